@@ -1,0 +1,48 @@
+# How everything of ours is compiled, and the three functions that the folders use.
+option(HALVANE_TESTS "Build the tests" ON)
+option(HALVANE_BENCH "Build the benches" ON)
+set(HALVANE_SANITIZE "" CACHE STRING "address (with undefined behaviour) or thread; empty for none")
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+      CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE})
+endif()
+find_program(MOLD mold)
+if(MOLD)
+  add_link_options(-fuse-ld=mold)
+endif()
+
+add_library(halvane_warnings INTERFACE)
+target_compile_options(halvane_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough
+  -Wcast-align -Wformat=2 -Werror
+  -Wno-missing-field-initializers)  # designated initialisers leave out what has a default
+
+if(HALVANE_SANITIZE STREQUAL "address")
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+elseif(HALVANE_SANITIZE STREQUAL "thread")
+  # Our GCC cannot instrument stand-alone fences; asio has one, harmless under its own lock.
+  add_compile_options(-fsanitize=thread -Wno-tsan)
+  add_link_options(-fsanitize=thread)
+endif()
+
+# halvane_library(name SOURCES … PUBLIC libs… PRIVATE libs…): the folder's static library halvane_<name>.
+function(halvane_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+  add_library(halvane_${name} STATIC ${ARG_SOURCES})
+  target_include_directories(halvane_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(halvane_${name} PUBLIC ${ARG_PUBLIC} PRIVATE halvane_warnings ${ARG_PRIVATE})
+endfunction()
+
+# halvane_test(area SOURCES … LIBS …): one program halvane_<area>_test, each of its cases a CTest test.
+# ENV adds variables to each of them; LABELS marks them.
+function(halvane_test area)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;ENV;LABELS" ${ARGN})
+  add_executable(halvane_${area}_test ${ARG_SOURCES})
+  target_include_directories(halvane_${area}_test PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(halvane_${area}_test PRIVATE halvane_warnings halvane_test_support ${ARG_LIBS})
+  gtest_discover_tests(halvane_${area}_test DISCOVERY_MODE PRE_TEST
+    TEST_PREFIX "${area}." PROPERTIES TIMEOUT 120 ENVIRONMENT "${ARG_ENV}" LABELS "${ARG_LABELS}")
+endfunction()

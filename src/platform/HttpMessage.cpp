@@ -1,0 +1,136 @@
+#include "platform/HttpMessage.h"
+
+#include "util/Text.h"
+
+#include <algorithm>
+
+namespace halvane::platform {
+
+namespace {
+
+bool sameName(std::string_view left, std::string_view right) { return util::lowercasedAscii(left) == util::lowercasedAscii(right); }
+
+/// The last component of what may be a path, or empty where that would not name a file.
+std::string fileNameOf(std::string text) {
+    if (const auto end = text.find('\0'); end != std::string::npos) text.resize(end);
+    if (const auto slash = text.find_last_of("/\\"); slash != std::string::npos) text.erase(0, slash + 1);
+    text = util::trimmed(text);
+    constexpr std::size_t kLongestName = 255;
+    return text == "." || text == ".." || text.size() > kLongestName ? std::string() : text;
+}
+
+int hexDigit(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
+std::string percentDecoded(std::string_view text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const int high = text[i] == '%' && i + 2 < text.size() ? hexDigit(text[i + 1]) : -1;
+        const int low = high >= 0 ? hexDigit(text[i + 2]) : -1;
+        if (low >= 0) {
+            result += static_cast<char>(high * 16 + low);
+            i += 2;
+        } else {
+            result += text[i];
+        }
+    }
+    return result;
+}
+
+/// Parameters of a header value such as `attachment; filename="a;b.pfx"`, names in lower case.
+std::vector<std::pair<std::string, std::string>> parametersOf(std::string_view value) {
+    std::vector<std::pair<std::string, std::string>> parameters;
+    std::size_t i = value.find(';');
+    while (i < value.size()) {
+        const auto equals = value.find('=', ++i);
+        if (equals == std::string_view::npos) break;
+        std::string name = util::lowercasedAscii(util::trimmed(value.substr(i, equals - i)));
+        std::string text;
+        i = equals + 1;
+        while (i < value.size() && value[i] == ' ') ++i;
+        if (i < value.size() && value[i] == '"') {
+            for (++i; i < value.size() && value[i] != '"'; ++i) {
+                if (value[i] == '\\' && i + 1 < value.size()) ++i;
+                text += value[i];
+            }
+            i = value.find(';', i);
+        } else {
+            const auto end = value.find(';', i);
+            text = util::trimmed(value.substr(i, end - i));
+            i = end;
+        }
+        parameters.emplace_back(std::move(name), std::move(text));
+    }
+    return parameters;
+}
+
+std::string dispositionFileName(std::string_view disposition) {
+    std::string plain;
+    for (const auto& [name, value] : parametersOf(disposition)) {
+        if (name == "filename*") {
+            const auto quote = value.rfind('\'');
+            const auto decoded =
+                percentDecoded(quote == std::string::npos ? std::string_view(value) : std::string_view(value).substr(quote + 1));
+            if (util::isValidUtf8(decoded)) return decoded;
+        } else if (name == "filename") {
+            plain = value;
+        }
+    }
+    return plain;
+}
+
+std::string pathFileName(std::string_view url) {
+    const auto authority = url.find("://");
+    const auto path = url.find('/', authority == std::string_view::npos ? 0 : authority + 3);
+    if (path == std::string_view::npos) return {};
+    const auto end = url.find_first_of("?#", path);
+    return percentDecoded(url.substr(path, end == std::string_view::npos ? end : end - path));
+}
+
+}  // namespace
+
+HttpHeaders::HttpHeaders(std::initializer_list<Field> fields) {
+    for (const auto& [name, value] : fields) set(name, value);
+}
+
+void HttpHeaders::set(const std::string& name, std::string value) {
+    constexpr std::string_view kLineBreaks("\r\n\0", 3);
+    if (name.find_first_of(kLineBreaks) != std::string::npos || value.find_first_of(kLineBreaks) != std::string::npos) return;
+    const auto existing = std::ranges::find_if(fields_, [&](const Field& field) { return sameName(field.first, name); });
+    if (existing == fields_.end()) {
+        fields_.emplace_back(name, std::move(value));
+        return;
+    }
+    existing->second = std::move(value);
+    fields_.erase(std::remove_if(existing + 1, fields_.end(), [&](const Field& field) { return sameName(field.first, name); }),
+                  fields_.end());
+}
+
+void HttpHeaders::remove(std::string_view name) {
+    std::erase_if(fields_, [name](const Field& field) { return sameName(field.first, name); });
+}
+
+const std::string* HttpHeaders::find(std::string_view name) const {
+    const auto found = std::ranges::find_if(fields_, [name](const Field& field) { return sameName(field.first, name); });
+    return found == fields_.end() ? nullptr : &found->second;
+}
+
+std::string HttpResponse::mimeType() const {
+    const std::string* type = headers.find("Content-Type");
+    if (type == nullptr) return {};
+    return util::lowercasedAscii(util::trimmed(std::string_view(*type).substr(0, type->find(';'))));
+}
+
+std::string HttpResponse::suggestedFileName() const {
+    if (const std::string* disposition = headers.find("Content-Disposition")) {
+        if (std::string name = fileNameOf(dispositionFileName(*disposition)); !name.empty()) return name;
+    }
+    std::string name = fileNameOf(pathFileName(url));
+    return name.empty() ? "Unknown" : name;
+}
+
+}  // namespace halvane::platform

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "util/Bytes.h"
+#include "util/Result.h"
+#include "util/Value.h"
+
+namespace halvane::util {
+
+/// JSON by RFC 8259, UTF-8 only. The door to the JSON library. Any thread.
+struct Json {
+    /// Any JSON value is accepted at the top, texts and numbers too. Errors: not JSON, invalid UTF-8,
+    /// nested deeper than 512, more than one value. A later equal key replaces an earlier one. A number
+    /// that no 64-bit integer holds becomes a double.
+    static Result<Value> decode(const Bytes& bytes);
+
+    /// One line without spaces, keys in the dictionary's order. Bytes are written as base64 text;
+    /// invalid UTF-8 in a text is replaced by U+FFFD; numbers that are not finite become null.
+    static Bytes encode(const Value& value);
+};
+
+}  // namespace halvane::util

@@ -1,0 +1,158 @@
+#include "util/PropertyList.h"
+
+#include <plist/plist.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+
+namespace halvane::util {
+
+namespace {
+
+struct FreeNode {
+    void operator()(void* node) const { plist_free(node); }
+};
+using Node = std::unique_ptr<void, FreeNode>;
+
+struct FreeText {
+    void operator()(char* text) const { std::free(text); }
+};
+using CText = std::unique_ptr<char, FreeText>;
+
+constexpr int kMaxDepth = 512;
+
+Value fromLibrary(plist_t node, int depth);
+
+Value::List listFrom(plist_t node, int depth) {
+    Value::List list;
+    const std::uint32_t size = plist_array_get_size(node);
+    list.reserve(size);
+    for (std::uint32_t i = 0; i < size; ++i) list.push_back(fromLibrary(plist_array_get_item(node, i), depth));
+    return list;
+}
+
+Dictionary dictionaryFrom(plist_t node, int depth) {
+    Dictionary dictionary;
+    plist_dict_iter rawIterator = nullptr;
+    plist_dict_new_iter(node, &rawIterator);
+    const std::unique_ptr<void, decltype(&std::free)> iterator(rawIterator, &std::free);
+    for (;;) {
+        char* rawKey = nullptr;
+        plist_t item = nullptr;
+        plist_dict_next_item(node, iterator.get(), &rawKey, &item);
+        const CText key(rawKey);
+        if (item == nullptr) return dictionary;
+        dictionary.set(key ? key.get() : "", fromLibrary(item, depth));
+    }
+}
+
+std::string dateText(plist_t node) {
+    // The library counts from the first of January 2001.
+    constexpr std::time_t kEpoch = 978307200;
+    std::int32_t seconds = 0;
+    std::int32_t micros = 0;
+    plist_get_date_val(node, &seconds, &micros);
+    const std::time_t time = kEpoch + seconds;
+    std::tm parts{};
+    gmtime_r(&time, &parts);
+    char text[32];
+    return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts)};
+}
+
+Value scalarFrom(plist_t node) {
+    switch (plist_get_node_type(node)) {
+        case PLIST_BOOLEAN: {
+            std::uint8_t value = 0;
+            plist_get_bool_val(node, &value);
+            return value != 0;
+        }
+        case PLIST_UINT: {
+            std::uint64_t value = 0;
+            plist_get_uint_val(node, &value);
+            return static_cast<std::int64_t>(value);
+        }
+        case PLIST_REAL: {
+            double value = 0;
+            plist_get_real_val(node, &value);
+            return value;
+        }
+        case PLIST_STRING: {
+            std::uint64_t length = 0;
+            const char* text = plist_get_string_ptr(node, &length);
+            return text == nullptr ? Value("") : Value(std::string(text, length));
+        }
+        case PLIST_DATA: {
+            std::uint64_t length = 0;
+            const char* bytes = plist_get_data_ptr(node, &length);
+            return Value::Data{bytes == nullptr ? Bytes() : Bytes(bytes, length)};
+        }
+        case PLIST_DATE:
+            return dateText(node);
+        default:
+            return {};
+    }
+}
+
+Value fromLibrary(plist_t node, int depth) {
+    if (node == nullptr || depth > kMaxDepth) return {};
+    switch (plist_get_node_type(node)) {
+        case PLIST_ARRAY:
+            return listFrom(node, depth + 1);
+        case PLIST_DICT:
+            return dictionaryFrom(node, depth + 1);
+        default:
+            return scalarFrom(node);
+    }
+}
+
+plist_t toLibrary(const Value& value) {
+    if (const auto* boolean = value.boolean()) return plist_new_bool(*boolean ? 1 : 0);
+    if (const auto* integer = value.integer()) return plist_new_uint(static_cast<std::uint64_t>(*integer));
+    if (const auto* real = value.real()) return plist_new_real(*real);
+    if (const auto* text = value.text()) return plist_new_string(text->c_str());
+    if (const auto* data = value.data()) return plist_new_data(data->data(), data->size());
+    if (const auto* list = value.list()) {
+        plist_t array = plist_new_array();
+        for (const Value& element : *list) plist_array_append_item(array, toLibrary(element));
+        return array;
+    }
+    if (const auto* dictionary = value.dictionary()) {
+        plist_t dict = plist_new_dict();
+        for (const auto& [key, field] : *dictionary) {
+            if (!field.isNull()) plist_dict_set_item(dict, key.c_str(), toLibrary(field));
+        }
+        return dict;
+    }
+    return plist_new_string("");
+}
+
+}  // namespace
+
+Result<Value> PropertyList::decode(const Bytes& bytes) {
+    if (bytes.empty()) return dataError("property list is empty");
+    if (bytes.size() > UINT32_MAX) return dataError("property list is too large");
+    plist_t raw = nullptr;
+    const auto length = static_cast<std::uint32_t>(bytes.size());
+    // The XML reader prints to standard error about bytes that are no XML; it is asked only for what looks like it.
+    if (plist_is_binary(bytes.data(), length) != 0) {
+        plist_from_bin(bytes.data(), length, &raw);
+    } else if (const auto start = bytes.find_first_not_of(" \t\r\n\xEF\xBB\xBF"); start != Bytes::npos && bytes[start] == '<') {
+        plist_from_xml(bytes.data() + start, length - static_cast<std::uint32_t>(start), &raw);
+    }
+    const Node node(raw);
+    if (!node) return dataError("not a property list");
+    return fromLibrary(node.get(), 0);
+}
+
+Bytes PropertyList::encode(const Value& value) {
+    const Node node(toLibrary(value));
+    char* xml = nullptr;
+    std::uint32_t length = 0;
+    plist_to_xml(node.get(), &xml, &length);
+    const std::unique_ptr<char, decltype(&plist_to_xml_free)> owned(xml, &plist_to_xml_free);
+    return xml == nullptr ? Bytes() : Bytes(xml, length);
+}
+
+}  // namespace halvane::util

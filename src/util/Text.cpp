@@ -1,0 +1,82 @@
+#include "util/Text.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+
+namespace halvane::util {
+
+std::string replaced(std::string_view text, std::string_view from, std::string_view to) {
+    if (from.empty()) return std::string(text);
+    std::string result;
+    std::size_t position = 0;
+    for (std::size_t found = text.find(from); found != std::string_view::npos; found = text.find(from, position)) {
+        result.append(text.substr(position, found - position)).append(to);
+        position = found + from.size();
+    }
+    return result.append(text.substr(position));
+}
+
+std::string withoutLineFeeds(std::string_view text) { return replaced(text, "\n", ""); }
+
+std::string lowercasedAscii(std::string_view text) {
+    std::string lower(text);
+    std::ranges::transform(lower, lower.begin(),
+                           [](unsigned char c) { return c < 0x80 ? static_cast<char>(std::tolower(c)) : static_cast<char>(c); });
+    return lower;
+}
+
+std::vector<std::string> split(std::string_view text, char separator) {
+    std::vector<std::string> pieces;
+    std::size_t start = 0;
+    for (std::size_t end = text.find(separator); end != std::string_view::npos; end = text.find(separator, start)) {
+        pieces.emplace_back(text.substr(start, end - start));
+        start = end + 1;
+    }
+    pieces.emplace_back(text.substr(start));
+    return pieces;
+}
+
+std::string trimmed(std::string_view text) {
+    constexpr std::string_view kSpace = " \t\r\n\f\v";
+    const auto first = text.find_first_not_of(kSpace);
+    if (first == std::string_view::npos) return {};
+    return std::string(text.substr(first, text.find_last_not_of(kSpace) - first + 1));
+}
+
+bool isValidUtf8(std::string_view bytes) {
+    std::size_t i = 0;
+    while (i < bytes.size()) {
+        const auto lead = static_cast<std::uint8_t>(bytes[i]);
+        const std::size_t length = lead < 0x80 ? 1 : (lead >> 5) == 0x6 ? 2 : (lead >> 4) == 0xE ? 3 : (lead >> 3) == 0x1E ? 4 : 0;
+        if (length == 0 || bytes.size() - i < length) return false;
+        std::uint32_t point = length == 1 ? lead : lead & (0xFFU >> (length + 1));
+        for (std::size_t k = 1; k < length; ++k) {
+            const auto next = static_cast<std::uint8_t>(bytes[i + k]);
+            if ((next >> 6) != 0x2) return false;
+            point = (point << 6) | (next & 0x3FU);
+        }
+        constexpr std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
+        if (point < kLeast[length] || point > 0x10FFFF || (point >= 0xD800 && point <= 0xDFFF)) return false;
+        i += length;
+    }
+    return true;
+}
+
+std::string addingPercentEscapes(std::string_view text) {
+    constexpr std::string_view kEscaped = "\"#%<>[\\]^`{|}";
+    constexpr char kHex[] = "0123456789ABCDEF";
+    std::string result;
+    result.reserve(text.size());
+    for (const char c : text) {
+        const auto byte = static_cast<std::uint8_t>(c);
+        if (byte <= 0x20 || byte >= 0x7F || kEscaped.find(c) != std::string_view::npos) {
+            result += {'%', kHex[byte >> 4], kHex[byte & 0xF]};
+        } else {
+            result += c;
+        }
+    }
+    return result;
+}
+
+}  // namespace halvane::util

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace halvane::util {
+
+/// Small text operations that the standard library lacks. All on UTF-8 bytes; any thread.
+
+/// Every occurrence of `from` replaced by `to`, left to right; an empty `from` replaces nothing.
+std::string replaced(std::string_view text, std::string_view from, std::string_view to);
+/// Every "\n" removed.
+std::string withoutLineFeeds(std::string_view text);
+std::string lowercasedAscii(std::string_view text);
+/// The pieces between separators; an empty text is one empty piece.
+std::vector<std::string> split(std::string_view text, char separator);
+std::string trimmed(std::string_view text);
+bool isValidUtf8(std::string_view bytes);
+/// Escapes what may not stand in a URL: controls, space, ``"#%<>[\]^`{|}`` and all bytes above 127.
+/// An existing "%" is escaped too.
+std::string addingPercentEscapes(std::string_view text);
+
+}  // namespace halvane::util

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/HttpSession.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace halvane::test {
+
+class ScriptedSession;
+
+/// A transport without a network: tests look at what was sent and decide what comes back. One
+/// thread; completions run at once, inside `reply` and its like, on no queue.
+class ScriptedTransport final : public platform::HttpTransport {
+public:
+    std::shared_ptr<platform::HttpSession> makeSession(platform::HttpSessionConfiguration configuration) override;
+
+    /// One task that was made, with what its maker handed over.
+    struct Exchange {
+        platform::HttpRequest request;
+        platform::HttpDataHandlers data;
+        platform::HttpDownloadHandlers download;
+        bool isDownload = false;
+        bool resumed = false;
+        bool completed = false;
+        std::size_t session = 0;  ///< which of the made sessions, from 0
+    };
+
+    /// Completes the exchange with a reply of `status`; a download's body goes to the file that the
+    /// destination names, through `writeFile`.
+    void reply(std::size_t index, int status, const std::string& contentType, const util::Bytes& body);
+    void replyJson(std::size_t index, const util::Bytes& body) { reply(index, 200, "application/json", body); }
+    void fail(std::size_t index, util::UrlError code, const std::string& description = "scripted");
+
+    std::vector<std::shared_ptr<Exchange>> exchanges;
+    std::vector<platform::HttpSessionConfiguration> sessions;
+    std::function<void(const std::filesystem::path&, const util::Bytes&)> writeFile;
+};
+
+}  // namespace halvane::test

@@ -1,0 +1,53 @@
+#include "util/KeyedArchive.h"
+#include "util/PropertyList.h"
+
+#include <gtest/gtest.h>
+
+namespace halvane::util {
+namespace {
+
+TEST(PropertyList, keeps_every_kind_through_a_file) {
+    const Dictionary written{{"name", "a<b>&\"职场"},
+                             {"on", true},
+                             {"size", -42},
+                             {"ratio", 0.5},
+                             {"bytes", Value::Data{Bytes("\0\x01\xFF", 3)}},
+                             {"list", Value::List{"x", Dictionary{{"k", Value::List{}}}}}};
+    const auto read = PropertyList::decode(PropertyList::encode(written));
+    ASSERT_TRUE(read) << read.error().description;
+    EXPECT_EQ(*read, Value(written));
+}
+
+TEST(PropertyList, absent_values_are_left_out) {
+    EXPECT_EQ(PropertyList::decode(PropertyList::encode(Dictionary{{"a", nullptr}, {"b", 1}})).value(), Value(Dictionary{{"b", 1}}));
+}
+
+TEST(PropertyList, refuses_damage_without_noise) {
+    const Bytes whole = PropertyList::encode(Dictionary{{"k", "v"}});
+    const std::pair<const char*, Bytes> rows[] = {
+        {"empty", ""},
+        {"random", "\x7F\x45LF nothing"},
+        {"cut off", whole.substr(0, whole.size() / 2)},
+        {"binary header only", "bplist00"},
+        {"html", "<html><body>no</body></html>"},
+    };
+    for (const auto& [name, bytes] : rows) {
+        SCOPED_TRACE(name);
+        testing::internal::CaptureStderr();
+        const bool read = PropertyList::decode(bytes).ok();
+        const auto noise = testing::internal::GetCapturedStderr();
+        EXPECT_FALSE(read);
+        EXPECT_EQ(noise, "");
+    }
+}
+
+TEST(KeyedArchive, tells_another_class_from_damage) {
+    const Bytes archive = KeyedArchive::encode("HDCLUserModel", {{"Key_token", ""}});
+    ASSERT_TRUE(KeyedArchive::decode("HDCLUserModel", archive));
+    EXPECT_EQ(*KeyedArchive::decode("HDCLUserModel", archive)->find("Key_token"), Value(""));
+    EXPECT_NE(KeyedArchive::decode("Other", archive).error().description.find("HDCLUserModel"), std::string::npos);
+    EXPECT_FALSE(KeyedArchive::decode("HDCLUserModel", PropertyList::encode(Dictionary{{"Key_token", "x"}})));
+}
+
+}  // namespace
+}  // namespace halvane::util
