@@ -1,7 +1,9 @@
 #pragma once
 
 #include "util/Bytes.h"
+#include "util/Result.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -16,8 +18,9 @@ public:
     [[nodiscard]] virtual unsigned indexOf(const std::string& name) const = 0;
     /// Length of the list of the interface's addresses; absent when the system refuses to tell.
     [[nodiscard]] virtual std::optional<std::size_t> addressListLength(unsigned index) const = 0;
-    /// The six bytes of the link-layer address; absent when they cannot be read.
-    [[nodiscard]] virtual std::optional<util::Bytes> linkAddress(unsigned index, std::size_t length) const = 0;
+    /// The six bytes of the link-layer address, out of a list of `length` bytes. Errors are of the
+    /// "halvane.file" domain: ENOMEM when a list of that length cannot be held, else why it cannot be read.
+    [[nodiscard]] virtual util::Result<util::Bytes> linkAddress(unsigned index, std::size_t length) const = 0;
 };
 
 }  // namespace halvane::platform
