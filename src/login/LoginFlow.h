@@ -1,8 +1,10 @@
 #pragma once
 
 #include "login/LoginScreen.h"
+#include "util/Result.h"
 #include "util/Value.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,7 +12,6 @@
 namespace halvane::platform {
 class Browser;
 class DispatchQueue;
-class FileStore;
 class MainLoop;
 class Preferences;
 }  // namespace halvane::platform
@@ -28,26 +29,32 @@ class HVRequstHelper;
 namespace halvane::device {
 class HVDeviceInfoHelper;
 }
-namespace halvane::tools {
-class HVMobileConfigTool;
-}
 
 namespace halvane::login {
 
+class CertificateFetch;
+
 /// The login procedure behind LoginView: prefilled credentials, the auto-login switch, the login
-/// request, the session, the personal certificate and the change to the main window.
+/// request, the session, and the change to the main window.
 ///
-/// Main thread. Owned by its view, which outlives it. Replies that arrive after it was destroyed are
-/// dropped. Credentials are read and written on `credentialQueue`, one after the other, because the
-/// secret store may make its caller wait; certificate tools run on `toolQueue` for the same reason.
+/// Main thread. Owned by its view, which outlives it; what arrives after it was destroyed is dropped.
+/// The secret store and the system's tools may make their caller wait, so they are asked on queues:
+/// credentials are read and written on `credentialQueue`, one after the other, and facts and the
+/// certificate listing are gathered on `toolQueue`.
 class LoginFlow {
 public:
+    /// What differs from company to company.
+    struct Deployment {
+        std::string serverBaseUrl;
+        std::string mailSuffix;      ///< "@" and the company's mail domain
+        std::string ssoBaseUrl;      ///< of the password-change page
+        std::string keychainPrefix;  ///< reverse domain, without a dot at its end
+    };
     struct Collaborators {
         platform::MainLoop& mainLoop;
         platform::DispatchQueue& credentialQueue;  ///< serial
         platform::DispatchQueue& toolQueue;        ///< serial
         platform::Preferences& preferences;
-        platform::FileStore& files;
         platform::Browser& browser;
         util::NotificationCenter& notifications;
         util::Log& log;
@@ -55,7 +62,8 @@ public:
         session::KTKeyChain& keyChain;
         service::HVRequstHelper& requests;
         device::HVDeviceInfoHelper& device;
-        tools::HVMobileConfigTool& profiles;
+        CertificateFetch& certificates;
+        Deployment deployment;
     };
 
     LoginFlow(LoginScreen& screen, Collaborators collaborators);
@@ -63,7 +71,8 @@ public:
     LoginFlow(const LoginFlow&) = delete;
     LoginFlow& operator=(const LoginFlow&) = delete;
 
-    /// Once, when the controls stand: fills them from the stored credentials and preferences.
+    /// Once, when the controls stand: fills them from the preferences now, and from the stored
+    /// credentials when those have arrived, never over something the person typed meanwhile.
     void viewBuilt();
     /// When the view entered its window: automatic login, where it is on and a session is stored.
     void viewDidMoveToWindow();
@@ -74,17 +83,43 @@ public:
     void forgetPWAction();
     /// Shows an alert when a field is empty. Always false; the login does not ask it.
     bool inputVerify();
+    /// Forgets the stored credentials. No flow does.
+    void deleUsernamePassWordFromKeyChain();
 
     /// From the start of a login to its success; a refused or failed one leaves it set for good.
-    [[nodiscard]] bool isLogining() const;
+    [[nodiscard]] bool isLogining() const { return isLogining_; }
 
     /// Development values that nothing uses.
-    [[nodiscard]] static std::string downLoadUrl();
-    [[nodiscard]] static std::string certificatePW();
+    [[nodiscard]] std::string downLoadUrl() const;
+    [[nodiscard]] std::string certificatePW() const { return "tarnelk.quopse"; }
 
 private:
-    class Impl;
-    std::shared_ptr<Impl> impl_;
+    using Step = std::function<void()>;
+
+    void readUsernamePassWordFromKeyChain();
+    void applyLastUser(const util::Value& lastUser);
+    void writeUsernamePassWordToKeyChain();
+    void configRemeAutoLoginIsChecked();
+
+    void sendloginRequest();
+    void sendLogin(const util::Dictionary& params);
+    void loginAnswered(const util::Value& response);
+    void installCertificateIfMissing(const util::Value* data, Step next);
+    void finishLogin(const std::optional<util::Dictionary>& data);
+    void saveConfig();
+    void autoLoginCloudDisk();
+    void updateUILogin();
+    void updateUILogingin();
+    void enterMainWindow();
+
+    /// `step`, unless this object is gone by then.
+    [[nodiscard]] Step whileAlive(Step step) const;
+
+    LoginScreen& screen_;
+    Collaborators to_;
+    bool isLogining_ = false;
+    bool loginSent_ = false;  // credentials that arrive later would overwrite what was sent
+    std::shared_ptr<const bool> alive_;
 };
 
 }  // namespace halvane::login

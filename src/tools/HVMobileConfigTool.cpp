@@ -33,9 +33,6 @@ util::Dictionary* firstPayload(util::Value& profile) {
     return payloads == nullptr || payloads->empty() ? nullptr : payloads->front().dictionary();
 }
 
-/// How a profile stands in the log: readable, without the certificate and its password.
-std::string logged(const util::Value& profile) { return util::Json::encode(util::redacted(profile)); }
-
 }  // namespace
 
 HVMobileConfigTool::HVMobileConfigTool(Collaborators collaborators) : collaborators_(collaborators) {}
@@ -48,7 +45,7 @@ std::string HVMobileConfigTool::configFilePathWithTemplateFilePath(const std::st
     if (!bytes) return "";
     auto profile = util::PropertyList::decode(*bytes);
     if (!profile || profile->dictionary() == nullptr) return "";
-    collaborators_.log.write("fileDict:" + logged(*profile));
+    collaborators_.log.write("fileDict:" + util::Json::encode(util::redacted(*profile)));
 
     util::Dictionary* payload = firstPayload(*profile);
     if (payload == nullptr) return "";
@@ -65,7 +62,7 @@ std::string HVMobileConfigTool::configFilePathWithTemplateFilePath(const std::st
     (void)collaborators_.files.makeDirectory(directory);
     const auto path = directory / (identifier.string() + ".mobileconfig");
     if (!collaborators_.files.write(path, util::PropertyList::encode(*profile))) return "";
-    collaborators_.log.write("saveFile:" + logged(*profile));
+    collaborators_.log.write("saveFile:" + util::PropertyList::encode(util::redacted(*profile)));
     return path.string();
 }
 
