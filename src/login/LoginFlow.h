@@ -1,5 +1,6 @@
 #pragma once
 
+#include "login/LoginActions.h"
 #include "login/LoginScreen.h"
 #include "util/Result.h"
 #include "util/Value.h"
@@ -41,7 +42,7 @@ class CertificateFetch;
 /// The secret store and the system's tools may make their caller wait, so they are asked on queues:
 /// credentials are read and written on `credentialQueue`, one after the other, and facts and the
 /// certificate listing are gathered on `toolQueue`.
-class LoginFlow {
+class LoginFlow final : public LoginActions {
 public:
     /// What differs from company to company.
     struct Deployment {
@@ -67,20 +68,20 @@ public:
     };
 
     LoginFlow(LoginScreen& screen, Collaborators collaborators);
-    ~LoginFlow();
+    ~LoginFlow() override;
     LoginFlow(const LoginFlow&) = delete;
     LoginFlow& operator=(const LoginFlow&) = delete;
 
     /// Once, when the controls stand: fills them from the preferences now, and from the stored
     /// credentials when those have arrived, never over something the person typed meanwhile.
-    void viewBuilt();
+    void viewBuilt() override;
     /// When the view entered its window: automatic login, where it is on and a session is stored.
-    void viewDidMoveToWindow();
+    void viewDidMoveToWindow() override;
 
-    void loginAction();
+    void loginAction() override;
     /// The person toggled the switch.
-    void autoLoginAction();
-    void forgetPWAction();
+    void autoLoginAction() override;
+    void forgetPWAction() override;
     /// Shows an alert when a field is empty. Always false; the login does not ask it.
     bool inputVerify();
     /// Forgets the stored credentials. No flow does.
