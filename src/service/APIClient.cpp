@@ -130,15 +130,18 @@ void APIClient::cancelAllRequest() {
 void APIClient::downloadURL(const std::string& url, Progress progress, Destination destination, Failure failure) {
     auto session = collaborators_.transport.makeSession({.resultQueue = collaborators_.mainQueue});
     platform::HttpDownloadHandlers handlers;
-    if (progress) handlers.onProgress = std::move(progress);
+    handlers.onProgress = [alive = alive_, progress = std::move(progress)](const platform::HttpProgress& update) {
+        if (*alive && progress) progress(update);
+    };
     handlers.destination = [caches = collaborators_.directories.caches()](const platform::HttpResponse& response) {
         return caches / response.suggestedFileName();
     };
     std::erase_if(downloads_, [](const auto& ended) { return ended.expired(); });
     downloads_.push_back(session);
     // The session lives as long as its one task.
-    handlers.onCompletion = [session, destination = std::move(destination),
+    handlers.onCompletion = [session, alive = alive_, destination = std::move(destination),
                              failure = std::move(failure)](const platform::HttpDownloadResult& result) {
+        if (!*alive) return;
         if (result.error && failure) failure(*result.error);
         if (result.file && destination) destination("file://" + result.file->string());
     };

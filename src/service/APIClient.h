@@ -31,8 +31,8 @@ namespace halvane::service {
 /// own that knows neither token nor JSON.
 ///
 /// Main thread; callbacks arrive on the main queue, at most one result for each call, never inside it
-/// (the result "no network" excepted). Destroying the client cancels everything; requests
-/// in flight are then not answered.
+/// (the result "no network" excepted). Destroying the client cancels everything, and
+/// nothing that was in flight is answered any more.
 class APIClient {
 public:
     /// Codes of the result callback.
