@@ -1,0 +1,74 @@
+#include "linux/device/LinuxSystemCounters.h"
+#include "linux/device/RecordedMachine.h"
+
+#include <gtest/gtest.h>
+#include <sys/statfs.h>
+#include <unistd.h>
+
+namespace halvane::linux {
+namespace {
+
+using test::RecordedMachine;
+
+constexpr const char* kLaptop =
+    "MemTotal:       16113932 kB\nMemFree:         1834568 kB\nMemAvailable:    9871044 kB\nBuffers:          498020 kB\n"
+    "Active:          6022184 kB\nInactive:        5874136 kB\nActive(anon):    3701396 kB\nInactive(anon):        0 kB\n"
+    "Active(file):    2320788 kB\nInactive(file):  5874136 kB\nSReclaimable:     604996 kB\nHugePages_Total:       0\n";
+
+TEST(SystemCounters, memory_lists_map_to_the_counters_that_the_device_page_adds_up) {
+    const RecordedMachine machine{{"proc/meminfo", kLaptop}};
+    const auto counters = LinuxSystemCounters(machine.files()).memory();
+    ASSERT_TRUE(counters);
+    const auto inPage = static_cast<std::uint64_t>(::getpagesize()) / 1024;
+    EXPECT_EQ(counters->free, 1834568 / inPage);
+    EXPECT_EQ(counters->active, 6022184 / inPage);
+    EXPECT_EQ(counters->inactive, 5874136 / inPage);
+    EXPECT_EQ(counters->wired, (16113932U - 1834568 - 6022184 - 5874136) / inPage);
+    EXPECT_EQ(counters->external, (2320788U + 5874136) / inPage);
+    EXPECT_EQ(counters->purgeable, 604996 / inPage);
+    EXPECT_EQ(counters->speculative + counters->compressor, 0U);
+}
+
+TEST(SystemCounters, odd_memory_texts_never_underflow_and_unreadable_ones_are_absent) {
+    struct Row {
+        const char* name;
+        const char* text;
+        std::optional<std::uint64_t> wired;
+    };
+    const Row rows[] = {
+        {"container: the lists are the host's, the total its own", "MemTotal: 4096 kB\nMemFree: 8192 kB\nActive: 65536 kB\n", 0},
+        {"old kernel without lists by kind", "MemTotal: 65536 kB\nMemFree: 0 kB\n", 65536 * 1024 / ::getpagesize()},
+        {"empty", "", std::nullopt},
+        {"no total", "MemFree: 8192 kB\n", std::nullopt},
+        {"total of another unit", "MemTotal: 8192 pages\n", std::nullopt},
+        {"negative and huge", "MemTotal: -5 kB\nMemFree: 99999999999999999999999 kB\n", std::nullopt},
+        {"more bytes than there can be", "MemTotal: 18446744073709551615 kB\n", std::nullopt},
+    };
+    for (const auto& row : rows) {
+        const RecordedMachine machine{{"proc/meminfo", row.text}};
+        const auto counters = LinuxSystemCounters(machine.files()).memory();
+        EXPECT_EQ(counters ? std::optional(counters->wired) : std::nullopt, row.wired) << row.name;
+    }
+    const RecordedMachine nothing;
+    EXPECT_FALSE(LinuxSystemCounters(nothing.files()).memory());
+}
+
+TEST(SystemCounters, this_machine_adds_up) {
+    const LinuxSystemCounters counters{SystemFiles()};
+    const auto memory = counters.memory();
+    ASSERT_TRUE(memory);
+    const auto total = static_cast<std::uint64_t>(::sysconf(_SC_PHYS_PAGES));
+    EXPECT_NEAR(static_cast<double>(memory->free + memory->active + memory->inactive + memory->wired), static_cast<double>(total),
+                static_cast<double>(total) / 100);
+
+    struct statfs status {};
+    ASSERT_EQ(::statfs("/", &status), 0);
+    const auto disk = counters.fileSystem("/");
+    ASSERT_TRUE(disk);
+    EXPECT_EQ(disk->blocks, static_cast<std::uint64_t>(status.f_blocks));
+    EXPECT_GE(disk->freeBlocks, disk->availableBlocks);
+    EXPECT_FALSE(counters.fileSystem("/no/such/place"));
+}
+
+}  // namespace
+}  // namespace halvane::linux
