@@ -11,7 +11,10 @@ public:
         const auto* value = values.find(key);
         return value == nullptr ? std::nullopt : std::optional(*value);
     }
-    void set(const std::string& key, util::Value value) override { values.set(key, std::move(value)); }
+    void set(const std::string& key, util::Value value) override {
+        if (value.isNull()) return values.remove(key);
+        values.set(key, std::move(value));
+    }
     void remove(const std::string& key) override { values.remove(key); }
     void flush() override {
         saved = values;

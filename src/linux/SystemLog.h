@@ -1,0 +1,37 @@
+#pragma once
+
+#include "util/Log.h"
+
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace halvane::linux {
+
+/// Writes to the journal, or to syslog where no journal runs, and to standard error unless that is
+/// the journal already. Each line is one write to standard error, line feeds and other controls in it
+/// escaped, so that no text can pass for another line or steer a terminal; the journal keeps its line
+/// feeds. Bytes that are no UTF-8 are escaped in both. Lines beyond `kLongestLine` are cut and say so.
+class SystemLog final : public util::Log {
+public:
+    static constexpr std::size_t kLongestLine = std::size_t{64} << 10;
+
+    /// Where a journal would be found.
+    struct Journal {
+        std::string socket = "/run/systemd/journal/socket";
+        /// "device:inode" of the stream that services get as standard error.
+        std::optional<std::string> stream;
+
+        static Journal ofThisProcess();
+    };
+
+    explicit SystemLog(const Journal& journal = Journal::ofThisProcess());
+    void write(std::string_view line) noexcept override;
+
+private:
+    const bool hasJournal_;
+    const bool hasStandardError_;
+    std::mutex mutex_;  // keeps lines whole where one write is not
+};
+
+}  // namespace halvane::linux
