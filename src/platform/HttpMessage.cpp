@@ -8,7 +8,13 @@ namespace halvane::platform {
 
 namespace {
 
-bool sameName(std::string_view left, std::string_view right) { return util::lowercasedAscii(left) == util::lowercasedAscii(right); }
+// Compared in place: a header is looked at several times in every exchange.
+bool sameName(std::string_view left, std::string_view right) {
+    constexpr auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
+    return std::ranges::equal(left, right, {}, lower, lower);
+}
+
+bool breaksLine(std::string_view text) { return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos; }
 
 /// The last component of what may be a path, or empty where that would not name a file.
 std::string fileNameOf(std::string text) {
@@ -98,8 +104,7 @@ HttpHeaders::HttpHeaders(std::initializer_list<Field> fields) {
 }
 
 void HttpHeaders::set(const std::string& name, std::string value) {
-    constexpr std::string_view kLineBreaks("\r\n\0", 3);
-    if (name.find_first_of(kLineBreaks) != std::string::npos || value.find_first_of(kLineBreaks) != std::string::npos) return;
+    if (breaksLine(name) || breaksLine(value)) return;
     const auto existing = std::ranges::find_if(fields_, [&](const Field& field) { return sameName(field.first, name); });
     if (existing == fields_.end()) {
         fields_.emplace_back(name, std::move(value));
@@ -108,6 +113,16 @@ void HttpHeaders::set(const std::string& name, std::string value) {
     existing->second = std::move(value);
     fields_.erase(std::remove_if(existing + 1, fields_.end(), [&](const Field& field) { return sameName(field.first, name); }),
                   fields_.end());
+}
+
+void HttpHeaders::append(std::string_view name, std::string_view value) {
+    if (breaksLine(name) || breaksLine(value)) return;
+    const auto existing = std::ranges::find_if(fields_, [&](const Field& field) { return sameName(field.first, name); });
+    if (existing == fields_.end()) {
+        fields_.emplace_back(name, value);
+    } else {
+        existing->second.append(", ").append(value);
+    }
 }
 
 void HttpHeaders::remove(std::string_view name) {

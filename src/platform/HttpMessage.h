@@ -25,6 +25,8 @@ public:
     /// Replaces every field of that name. A line break in name or value drops the field: it would
     /// forge further headers.
     void set(const std::string& name, std::string value);
+    /// A field as it arrives: one that stands already gets ", " and the further value. Line breaks as above.
+    void append(std::string_view name, std::string_view value);
     void remove(std::string_view name);
     /// The first value under `name`, or null. Valid until the headers change.
     [[nodiscard]] const std::string* find(std::string_view name) const;

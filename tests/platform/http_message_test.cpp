@@ -42,6 +42,14 @@ TEST(HttpMessage, headers_compare_without_case_and_cannot_be_split) {
     EXPECT_EQ(headers.fields(), (std::vector<HttpHeaders::Field>{{"Token-Id", "b"}, {"Accept", "x"}}));
 }
 
+TEST(HttpMessage, a_field_that_arrives_twice_becomes_one_list) {
+    HttpHeaders headers;
+    headers.append("Via", "a");
+    headers.append("Date", "now");
+    headers.append("vIA", "b");
+    EXPECT_EQ(headers.fields(), (std::vector<HttpHeaders::Field>{{"Via", "a, b"}, {"Date", "now"}}));
+}
+
 TEST(HttpMessage, mime_type_drops_parameters_and_case) {
     HttpResponse response{200, "", {{"Content-Type", "Application/JSON ; charset=utf-8"}}};
     EXPECT_EQ(response.mimeType(), "application/json");

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/HttpSession.h"
+
+#include <cstdint>
+
+namespace halvane::linux_http {
+
+/// The HTTP transport on libcurl. Make the first one before other threads start.
+class CurlTransport final : public platform::HttpTransport {
+public:
+    static constexpr std::uint64_t kLargestBody = 256ULL * 1024 * 1024;
+
+    /// The body of a data task stands in memory; a larger one than `largestBody` fails it.
+    explicit CurlTransport(std::uint64_t largestBody = kLargestBody);
+
+    std::shared_ptr<platform::HttpSession> makeSession(platform::HttpSessionConfiguration configuration) override;
+
+private:
+    const std::uint64_t largestBody_;
+};
+
+}  // namespace halvane::linux_http

@@ -1,0 +1,77 @@
+#include "linux/http/HttpUrl.h"
+
+#include "util/Text.h"
+
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace halvane::linux_http {
+
+namespace {
+
+using UrlHandle = std::unique_ptr<CURLU, decltype(&curl_url_cleanup)>;
+
+UrlHandle parsed(const std::string& url) {
+    UrlHandle handle(curl_url(), &curl_url_cleanup);
+    if (handle && curl_url_set(handle.get(), CURLUPART_URL, url.c_str(), 0) != CURLUE_OK) handle.reset();
+    return handle;
+}
+
+std::string part(const UrlHandle& handle, CURLUPart which, unsigned int flags = 0) {
+    char* text = nullptr;
+    if (curl_url_get(handle.get(), which, &text, flags) != CURLUE_OK) return {};
+    const std::unique_ptr<char, decltype(&curl_free)> owned(text, &curl_free);
+    return text;
+}
+
+bool hasWebScheme(std::string_view url) {
+    constexpr std::string_view kHttp = "http://";
+    constexpr std::string_view kHttps = "https://";
+    const std::string start = util::lowercasedAscii(url.substr(0, kHttps.size()));
+    return start.starts_with(kHttp) || start.starts_with(kHttps);
+}
+
+bool isHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
+
+bool mayStandInUrl(char c) {
+    constexpr std::string_view kNeverUnescaped = "\"<>\\^`{|}";
+    return c > ' ' && c < '\x7f' && kNeverUnescaped.find(c) == std::string_view::npos;
+}
+
+}  // namespace
+
+bool isSendableUrl(std::string_view url) {
+    if (!hasWebScheme(url) || !std::ranges::all_of(url, mayStandInUrl)) return false;
+    for (auto at = url.find('%'); at != std::string_view::npos; at = url.find('%', at + 1)) {
+        if (at + 2 >= url.size() || !isHexDigit(url[at + 1]) || !isHexDigit(url[at + 2])) return false;
+    }
+    return true;
+}
+
+std::optional<UrlOrigin> originOf(const std::string& url) {
+    const UrlHandle handle = parsed(url);
+    if (!handle) return std::nullopt;
+    UrlOrigin origin{part(handle, CURLUPART_SCHEME), util::lowercasedAscii(part(handle, CURLUPART_HOST)),
+                     part(handle, CURLUPART_PORT, CURLU_DEFAULT_PORT)};
+    if (origin.host.starts_with('[') && origin.host.ends_with(']')) origin.host = origin.host.substr(1, origin.host.size() - 2);
+    if (origin.host.ends_with('.')) origin.host.pop_back();
+    if (origin.host.empty()) return std::nullopt;
+    return origin;
+}
+
+std::optional<std::string> resolvedUrl(const std::string& base, const std::string& location) {
+    const UrlHandle handle = parsed(base);
+    if (!handle || curl_url_set(handle.get(), CURLUPART_URL, location.c_str(), CURLU_URLENCODE) != CURLUE_OK) return std::nullopt;
+    std::string url = part(handle, CURLUPART_URL);
+    if (!isSendableUrl(url)) return std::nullopt;
+    return url;
+}
+
+std::string hostForDisplay(const std::string& url) {
+    const auto origin = originOf(url);
+    return origin ? origin->host + ":" + origin->port : "the server";
+}
+
+}  // namespace halvane::linux_http

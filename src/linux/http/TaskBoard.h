@@ -1,0 +1,96 @@
+#pragma once
+
+#include "linux/http/CurlTask.h"
+
+#include <atomic>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace halvane::linux_http {
+
+/// What callers, the network thread and the result queue know of a session's tasks, under one lock.
+/// Callers hand tasks in; the network thread takes those that may run, in order, and hands outcomes back;
+/// they wait in the mailbox until a block on the result queue reports them.
+///
+/// A block is posted only when none is on its way, so that completions which arrive together cost one
+/// handing over. A block that finds more than one task posts the next before it calls anybody: on a
+/// concurrent queue no completion then waits for another one's callback. One task is reported by one block at a time.
+class TaskBoard : public std::enable_shared_from_this<TaskBoard> {
+public:
+    /// `queue` is kept alive by the session and its thread.
+    TaskBoard(std::weak_ptr<platform::DispatchQueue> queue, int limit);
+    ~TaskBoard();
+    TaskBoard(const TaskBoard&) = delete;
+    TaskBoard& operator=(const TaskBoard&) = delete;
+
+    // Any thread.
+    std::shared_ptr<CurlTask> add(platform::HttpRequest request, CurlTask::Handlers handlers);
+    void resume(CurlTask& task);
+    void cancel(CurlTask& task);
+    [[nodiscard]] std::vector<std::shared_ptr<platform::HttpTask>> tasks() const;
+    void setLimit(int limit);
+    /// Cancels all tasks, those to come too.
+    void invalidate();
+    /// As above, and sends the network thread home.
+    void close();
+
+    // Network thread.
+    struct Work {
+        std::vector<std::shared_ptr<CurlTask>> starts;
+        std::vector<std::shared_ptr<CurlTask>> cancels;
+        bool closed = false;
+    };
+    struct Ended {
+        std::shared_ptr<CurlTask> task;
+        TaskOutcome outcome;
+    };
+    /// Fills `work`; false when there is none, and then every later change wakes the thread.
+    bool takeWork(Work& work);
+    /// Readable when the thread has to wake up.
+    [[nodiscard]] int wakeDescriptor() const { return wakeDescriptor_; }
+    /// The thread is awake, whether the descriptor woke it or something else: nobody needs to wake it.
+    enum class WokenBy : std::uint8_t { Descriptor, Other };
+    void awake(WokenBy reason);
+    /// Whether the task's caller has cancelled it since it began to run.
+    [[nodiscard]] bool isCancelAsked(const CurlTask& task) const;
+    void end(std::vector<Ended>& ended);
+    void progress(CurlTask& task, CurlTask::Direction direction, const platform::HttpProgress& progress);
+
+private:
+    /// What a change makes necessary once the lock is open again: who is woken inside it would wait for it at once.
+    struct Afterwards {
+        bool post = false;
+        bool wake = false;
+    };
+
+    void cancelLocked(CurlTask& task);
+    void endLocked(CurlTask& task, TaskOutcome outcome);
+    void putLocked(CurlTask& task);
+    /// Claims what is needed and not on its way yet: the claimer does it.
+    [[nodiscard]] Afterwards claimLocked();
+    void perform(Afterwards afterwards);
+    void deliver();
+    /// False when the mailbox is empty.
+    bool deliverOne();
+
+    const std::weak_ptr<platform::DispatchQueue> queue_;
+    const int wakeDescriptor_;
+    std::atomic<bool> sleeping_{false};  ///< set under the lock only
+
+    mutable std::mutex mutex_;  // guards what follows
+    std::map<unsigned long, std::shared_ptr<CurlTask>> tasks_;
+    std::deque<std::shared_ptr<CurlTask>> waiting_;
+    std::vector<std::shared_ptr<CurlTask>> cancels_;
+    std::deque<std::shared_ptr<CurlTask>> mailbox_;
+    unsigned long lastIdentifier_ = 0;
+    std::size_t limit_;
+    std::size_t running_ = 0;
+    bool invalid_ = false;
+    bool closed_ = false;
+    bool blockOnItsWay_ = false;
+};
+
+}  // namespace halvane::linux_http
