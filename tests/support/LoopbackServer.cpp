@@ -1,14 +1,14 @@
 #include "support/LoopbackServer.h"
 
-#include <algorithm>
 #include <arpa/inet.h>
-#include <array>
-#include <cctype>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <stdexcept>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <stdexcept>
 #include <utility>
 
 namespace halvane::test {
@@ -188,7 +188,8 @@ LoopbackServer::Script LoopbackServer::answering(std::function<std::string(const
 }
 
 std::string okReply(std::string_view body, std::string_view moreHeaders) {
-    return "HTTP/1.1 200 OK\r\n" + std::string(moreHeaders) + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + std::string(body);
+    return "HTTP/1.1 200 OK\r\n" + std::string(moreHeaders) + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" +
+           std::string(body);
 }
 
 }  // namespace halvane::test

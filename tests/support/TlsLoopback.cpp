@@ -4,9 +4,9 @@
 #include <openssl/pem.h>
 #include <openssl/ssl.h>
 
+#include <pthread.h>
 #include <array>
 #include <csignal>
-#include <pthread.h>
 #include <stdexcept>
 
 namespace halvane::test {
