@@ -1,0 +1,146 @@
+"""Who may include what: floors, Qt, and one door for each library."""
+import re
+
+# A view, by its file's name: a class that draws and is allowed Qt.
+VIEW = re.compile(r"(View|Window|Panel|Cell)$")
+# Folders that are Qt's own, and folders that may have views.
+QT_FOLDERS = ("src/app/", "src/qt/", "src/ui/widgets/")
+VIEW_FOLDERS = ("src/ui/", "src/login/", "src/device/", "src/tools/")
+QT_HEADER = re.compile(r"^(Qt[A-Z]\w*/.*|Q[A-Z]\w*|Qt\w*|q[a-z_]+\.h)$")
+
+# Areas that only the assembly names, because what they offer has a port.
+ONLY_FOR_THE_ASSEMBLY = {"linux", "linux/http", "qt"}
+# Areas with fewer neighbours than their floor would allow.
+NARROW = {
+    "linux/http": {"platform", "util"},
+    "linux": {"platform", "util"},
+    "qt": {"platform", "util"},
+    "systools": {"linux/device", "platform", "util"},
+    "ui/widgets": {"platform", "util"},
+    "request": {"http", "platform", "util"},
+}
+# Areas that nobody includes: programs of their own, and the request layer, which stands for itself.
+UNUSED_BY_AREAS = {"systools", "request", "app"}
+WIDGETS = "ui/widgets"
+
+# Each library and the files that may include it, by the beginning of their path. One door: its types
+# and errors are translated there. fmt is the formatting of the whole house and needs no door.
+DOORS = {
+    "libcurl": (r"^curl/", ("src/linux/http/",)),
+    "libsecret": (r"^libsecret/", ("src/linux/SecretServiceKeychain.",)),
+    "libnm": (r"^(NetworkManager|nm-[\w-]+)\.h$|^libnm/", ("src/linux/", "src/systools/profiles/")),
+    "GIO": (r"^(gio|glib|glib-object|gobject)[/.]", ("src/linux/", "src/systools/profiles/")),
+    "sd-bus and sd-journal": (r"^systemd/", ("src/linux/",)),
+    "Asio": (r"^asio(/|\.hpp)", ("src/linux/AsioDispatchQueue",)),
+    "xcb": (r"^xcb/", ("src/qt/",)),
+    "JSON": (r"^nlohmann/", ("src/util/Json.cpp",)),
+    "property lists": (r"^plist/", ("src/util/PropertyList.cpp",)),
+    "pugixml": (r"^pugixml", ("src/util/Xml.cpp",)),
+    "ICU": (r"^unicode/", ("src/util/",)),
+    "NSS": (r"^(nss|nspr)/|^(nss|cert|pk11pub|p12|prerror|prinit|secmod|keyhi)\.h$", ("src/systools/security/",)),
+    "OpenSSL": (r"^openssl/", ("src/util/Base64.cpp", "src/util/Digest.cpp", "src/linux/http/", "src/systools/security/",
+                               "server/authority/", "server/crypto/")),
+    "SQLite": (r"^sqlite3", ("server/store/Database.", "server/store/Statement.")),
+    "httplib": (r"^httplib\.h$", ("server/http/HttpServer.",)),
+}
+
+
+def floors(tree):
+    """The areas of src/, from the ground up, as its CMakeLists.txt builds them."""
+    listing = tree.files["src/CMakeLists.txt"].text
+    return re.findall(r"^add_subdirectory\(([\w/]+)\)", listing, re.M)
+
+
+def area_of(path, areas):
+    """The area that a path below src/ belongs to: the longest that fits."""
+    fitting = [a for a in areas if path.startswith(a + "/")]
+    return max(fitting, key=len) if fitting else None
+
+
+def may_use_qt(path):
+    if path.startswith(QT_FOLDERS):
+        return True
+    return path.startswith(VIEW_FOLDERS) and bool(VIEW.search(path.rsplit("/", 1)[-1].rsplit(".", 1)[0]))
+
+
+def _arrow_problem(source, target, target_path, order):
+    """Why a file of area `source` may not include `target_path` of area `target`; empty when it may."""
+    if source.area == target:
+        return ""
+    if source.area in NARROW:
+        if any(target_path.startswith(room + "/") for room in NARROW[source.area]):
+            return ""
+        return f"{source.area} uses only {', '.join(sorted(NARROW[source.area]))}"
+    if target in UNUSED_BY_AREAS:
+        return f"no other area uses {target}"
+    if target in ONLY_FOR_THE_ASSEMBLY and source.area != "app":
+        return f"only the assembly in app names {target}"
+    if target == WIDGETS and not may_use_qt(source.path):
+        return f"only views use {WIDGETS}"
+    if order.index(target) > order.index(source.area):
+        return f"{target} stands above {source.area}"
+    return ""
+
+
+class _Place:
+    def __init__(self, path, area):
+        self.path = path
+        self.area = area
+
+
+def check_arrows(tree):
+    """Includes inside src/ point downwards, server/ stands beside the client and knows only util."""
+    order = floors(tree)
+    for file in tree.cpp("src"):
+        area = area_of(file.path[len("src/"):], order)
+        if area is None:
+            yield f"{file.path}: its folder is not one of the areas in src/CMakeLists.txt"
+            continue
+        for include in file.includes:
+            if include.system:
+                continue
+            target = area_of(include.path, order)
+            if include.path.startswith(("server/", "tests/", "support/")):
+                yield f"{file.path}:{include.line}: the client knows nothing of {include.path}"
+            elif target is None:
+                yield f'{file.path}:{include.line}: "{include.path}" is no path from src/'
+            elif problem := _arrow_problem(_Place(file.path, area), target, include.path, order):
+                yield f"{file.path}:{include.line}: includes {include.path}, but {problem}"
+    for file in tree.cpp("server"):
+        for include in file.includes:
+            if not include.system and not include.path.startswith(("server/", "util/")):
+                yield f"{file.path}:{include.line}: includes {include.path}, but the server uses only util"
+
+
+def check_qt(tree):
+    """Qt only where it is allowed, and no plain file gets it through a header either."""
+    reaches_qt = {}
+
+    def reaches(path):
+        if path not in reaches_qt:
+            reaches_qt[path] = False  # a circle of includes adds nothing
+            file = tree.files.get(path)
+            reaches_qt[path] = file is not None and any(
+                QT_HEADER.match(i.path) if i.system else reaches("src/" + i.path) for i in file.includes)
+        return reaches_qt[path]
+
+    for file in tree.cpp("src", "server"):
+        if may_use_qt(file.path):
+            continue
+        for include in file.includes:
+            if QT_HEADER.match(include.path):
+                yield f"{file.path}:{include.line}: Qt ({include.path}) in a plain file"
+            elif not include.system and reaches("src/" + include.path):
+                yield f"{file.path}:{include.line}: gets Qt through {include.path}"
+
+
+def check_doors(tree):
+    """Each library is included only behind its door."""
+    for file in tree.cpp("src", "server"):
+        for include in file.includes:
+            for library, (pattern, doors) in DOORS.items():
+                if re.search(pattern, include.path) and not file.path.startswith(doors):
+                    yield f"{file.path}:{include.line}: {library} has its door in {', '.join(doors)}"
+
+
+CHECKS = {"arrows": check_arrows, "qt": check_qt, "doors": check_doors}
