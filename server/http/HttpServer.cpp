@@ -64,8 +64,10 @@ std::optional<ApiReply> readBody(const httplib::Request& request, const httplib:
         content([](const httplib::MultipartFormData&) { return true; }, receive);
         return Envelope::malformed("the content type must be application/json");
     }
+    // The library does not even hand out a body that is announced as too large.
+    const auto announced = request.get_header_value<std::uint64_t>("Content-Length");
     const bool whole = content(receive);
-    if (received > HttpServer::kLargestBody) return Envelope::failed(413, reasonFor(413));
+    if (received > HttpServer::kLargestBody || announced > HttpServer::kLargestBody) return Envelope::failed(413, reasonFor(413));
     // An encoding that the library does not know, or a connection that ended early.
     if (!whole) return Envelope::malformed("the body cannot be read");
     return std::nullopt;
@@ -119,12 +121,16 @@ void HttpServer::configure() {
         if (response.body.empty()) send(Envelope::failed(response.status, reasonFor(response.status)), response);
     });
     server_->set_logger([this](const httplib::Request& request, const httplib::Response& response) {
-        const auto now = std::chrono::steady_clock::now();
-        const auto began = std::exchange(requestBegan, std::nullopt).value_or(now);
-        if (observer_) {
-            observer_({request.method, request.path, response.status, response.body.size(),
-                       std::chrono::duration_cast<std::chrono::microseconds>(now - began)});
+        const auto began = std::exchange(requestBegan, std::nullopt);
+        if (!observer_) return;
+        Exchange exchange{.status = response.status, .bytes = response.body.size()};
+        // Without a beginning the library could not read the request: what it took for a method may be anything.
+        if (began) {
+            exchange.method = request.method;
+            exchange.path = request.path;
+            exchange.duration = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - *began);
         }
+        observer_(exchange);
     });
 }
 
