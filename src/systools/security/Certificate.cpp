@@ -1,0 +1,62 @@
+#include "systools/security/Certificate.h"
+
+#include "systools/security/OpenSsl.h"
+#include "util/Text.h"
+
+#include <openssl/evp.h>
+#include <openssl/x509.h>
+
+#include <algorithm>
+#include <array>
+
+namespace halvane::systools {
+
+namespace {
+
+std::string commonNameOf(const X509_NAME* subject) {
+    int index = -1;
+    for (int next = -1; (next = X509_NAME_get_index_by_NID(subject, NID_commonName, next)) >= 0;) index = next;
+    if (index < 0) return {};
+    unsigned char* text = nullptr;
+    const int length = ASN1_STRING_to_UTF8(&text, X509_NAME_ENTRY_get_data(X509_NAME_get_entry(subject, index)));
+    if (length < 0) return {};
+    std::string name(reinterpret_cast<const char*>(text), static_cast<std::size_t>(length));
+    OPENSSL_free(text);
+    return util::isValidUtf8(name) ? name : std::string();
+}
+
+std::string sha1Digits(const util::Bytes& bytes) {
+    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+    unsigned size = 0;
+    if (EVP_Digest(bytes.data(), bytes.size(), digest.data(), &size, EVP_sha1(), nullptr) != 1) return {};
+    std::string digits;
+    for (unsigned i = 0; i < size; ++i) {
+        constexpr const char* kDigits = "0123456789ABCDEF";
+        digits += {kDigits[digest[i] >> 4], kDigits[digest[i] & 0xF]};
+    }
+    return digits;
+}
+
+}  // namespace
+
+util::Result<Certificate> Certificate::parse(const util::Bytes& der) {
+    const auto* start = reinterpret_cast<const unsigned char*>(der.data());
+    const auto* end = start;
+    const openssl::X509Pointer x509(d2i_X509(nullptr, &end, static_cast<long>(der.size())));
+    if (!x509 || end != start + der.size()) {
+        openssl::takeErrors();
+        return util::dataError("not a certificate");
+    }
+    Certificate certificate;
+    certificate.der = der;
+    certificate.commonName = commonNameOf(X509_get_subject_name(x509.get()));
+    certificate.publicKey = openssl::encoded(X509_get_X509_PUBKEY(x509.get()), i2d_X509_PUBKEY);
+    certificate.fingerprint = sha1Digits(der);
+    return certificate;
+}
+
+bool isPrintable(const std::string& commonName) {
+    return !commonName.empty() && std::ranges::none_of(commonName, [](unsigned char c) { return c < 0x20 || c == 0x7F; });
+}
+
+}  // namespace halvane::systools
