@@ -3,7 +3,6 @@
 #include "systools/security/StoreLock.h"
 
 #include <algorithm>
-#include <functional>
 #include <tuple>
 
 namespace halvane::systools {
@@ -12,20 +11,58 @@ namespace {
 
 constexpr const char* kLockFile = ".lock";
 
-using Entries = std::vector<NssDatabase::Entry>;
-using Chosen = std::function<bool(const NssDatabase::Entry&)>;
+using Certificates = std::vector<Certificate>;
 
-/// Removes the chosen entries, and of their keys those that no other entry needs.
-util::Result<void> removeEntries(NssDatabase& database, const Entries& entries, const Chosen& chosen) {
+/// Those of the entries that `chosen` says yes to.
+template <typename Chosen>
+Certificates selected(const std::vector<NssDatabase::Entry>& entries, Chosen chosen) {
+    Certificates found;
     for (const auto& entry : entries) {
-        if (!chosen(entry)) continue;
-        if (auto removed = database.removeCertificate(entry.certificate); !removed) return removed;
-        const bool needed = std::ranges::any_of(
-            entries, [&](const auto& other) { return !chosen(other) && other.certificate.publicKey == entry.certificate.publicKey; });
-        if (needed) continue;
-        if (auto removed = database.removePrivateKey(entry.certificate); !removed) return removed;
+        if (chosen(entry)) found.push_back(entry.certificate);
+    }
+    return found;
+}
+
+util::Result<void> removeCertificates(NssDatabase& database, const Certificates& certificates) {
+    for (const auto& certificate : certificates) {
+        if (auto removed = database.removeCertificate(certificate); !removed) return removed;
     }
     return {};
+}
+
+/// Removes the keys of certificates that are gone, except where one that is still there has the same key.
+util::Result<void> removeKeys(NssDatabase& database, const Certificates& gone) {
+    const auto left = database.entries();
+    if (!left) return left.error();
+    for (const auto& certificate : gone) {
+        const auto hasSameKey = [&](const auto& entry) { return entry.certificate.publicKey == certificate.publicKey; };
+        if (std::ranges::any_of(*left, hasSameKey)) continue;
+        if (auto removed = database.removePrivateKey(certificate); !removed) return removed;
+    }
+    return {};
+}
+
+/// Stores key and certificate, or neither.
+util::Result<void> add(NssDatabase& database, const Identity& identity) {
+    const bool hadKey = database.hasPrivateKey(identity.certificate);
+    if (auto added = database.addPrivateKey(identity.privateKey, identity.certificate); !added) return added;
+    auto added = database.addCertificate(identity.certificate);
+    if (added || hadKey) return added;
+    const auto removed = database.removePrivateKey(identity.certificate);
+    return removed ? added : util::serviceError(added.error().description + "; and " + removed.error().description);
+}
+
+/// Puts `identity` in the place of `older`. Their keys are left, so that after an error they can come
+/// back; and they go first, for the new one may bear their name, or their number from a careless authority.
+util::Result<void> replace(NssDatabase& database, const Certificates& older, const Identity& identity) {
+    auto done = removeCertificates(database, older);
+    if (done) done = add(database, identity);
+    if (done) return done;
+    for (const auto& certificate : older) {
+        if (auto restored = database.addCertificate(certificate); !restored)
+            return util::serviceError(done.error().description + "; and " + restored.error().description);
+    }
+    return done;
 }
 
 }  // namespace
@@ -46,36 +83,26 @@ util::Result<IdentityStore::Imported> IdentityStore::import(const util::Bytes& p
     auto database = NssDatabase::open(directory, NssDatabase::Access::Write);
     if (!database) return database.error();
 
+    const auto entries = database->entries();
+    if (!entries) return entries.error();
+    const auto older = selected(*entries, [&](const NssDatabase::Entry& entry) {
+        return entry.hasPrivateKey && entry.certificate.commonName == certificate.commonName && entry.certificate.der != certificate.der;
+    });
+
     const auto before = identityFiles_.read(certificate.commonName);
     if (!before) return before.error();
     if (auto written = identityFiles_.write(certificate.commonName, pkcs12); !written) return written.error();
-    if (auto added = addTo(*database, *identity); !added) {
+    if (auto replaced = replace(*database, older, *identity); !replaced) {
         const auto restored = restoreFile(certificate.commonName, *before);
-        return restored ? added.error() : util::serviceError(added.error().description + "; and " + restored.error().description);
+        return restored ? replaced.error() : util::serviceError(replaced.error().description + "; and " + restored.error().description);
     }
 
     Imported imported{certificate, {}};
     for (const auto& authority : identity->authorities) {
         if (auto added = database->addCertificate(authority); !added) imported.remarks.push_back(added.error().description);
     }
-    const auto entries = database->entries();
-    auto cleaned = entries ? removeEntries(*database, *entries,
-                                           [&](const NssDatabase::Entry& entry) {
-                                               return entry.hasPrivateKey && entry.certificate.commonName == certificate.commonName &&
-                                                      entry.certificate.der != certificate.der;
-                                           })
-                           : util::Result<void>(entries.error());
-    if (!cleaned) imported.remarks.push_back("an older identity of that name is still there: " + cleaned.error().description);
+    if (auto cleaned = removeKeys(*database, older); !cleaned) imported.remarks.push_back(cleaned.error().description);
     return imported;
-}
-
-util::Result<void> IdentityStore::addTo(NssDatabase& database, const Identity& identity) {
-    const bool hadKey = database.hasPrivateKey(identity.certificate);
-    if (auto added = database.addPrivateKey(identity.privateKey, identity.certificate); !added) return added;
-    auto added = database.addCertificate(identity.certificate);
-    if (added || hadKey) return added;
-    const auto removed = database.removePrivateKey(identity.certificate);
-    return removed ? added : util::serviceError(added.error().description + "; and " + removed.error().description);
 }
 
 util::Result<void> IdentityStore::restoreFile(const std::string& commonName, const std::optional<util::Bytes>& bytes) {
@@ -122,14 +149,14 @@ util::Result<bool> IdentityStore::remove(const std::string& commonName) {
 }
 
 util::Result<bool> IdentityStore::removeFrom(const std::filesystem::path& directory, const std::string& commonName) {
-    const auto chosen = [&](const NssDatabase::Entry& entry) { return entry.certificate.commonName == commonName; };
     auto database = NssDatabase::open(directory, NssDatabase::Access::Write);
     if (!database) return database.error();
     const auto entries = database->entries();
     if (!entries) return entries.error();
-    if (std::ranges::none_of(*entries, chosen)) return false;
-    if (auto removed = removeEntries(*database, *entries, chosen); !removed) return removed.error();
-    return true;
+    const auto chosen = selected(*entries, [&](const auto& entry) { return entry.certificate.commonName == commonName; });
+    if (auto removed = removeCertificates(*database, chosen); !removed) return removed.error();
+    if (auto removed = removeKeys(*database, chosen); !removed) return removed.error();
+    return !chosen.empty();
 }
 
 }  // namespace halvane::systools

@@ -41,7 +41,6 @@ public:
     util::Result<bool> remove(const std::string& commonName);
 
 private:
-    util::Result<void> addTo(NssDatabase& database, const Identity& identity);
     util::Result<void> restoreFile(const std::string& commonName, const std::optional<util::Bytes>& bytes);
     util::Result<bool> removeFrom(const std::filesystem::path& database, const std::string& commonName);
 

@@ -1,11 +1,11 @@
 #include "systools/security/NssDatabase.h"
 
 #include <cert.h>
+#include <certdb.h>
 #include <keyhi.h>
 #include <nss.h>
 #include <pk11pub.h>
 #include <prerror.h>
-#include <secerr.h>
 
 #include <algorithm>
 #include <set>
@@ -43,10 +43,15 @@ util::Bytes bytesOf(const SECItem& item) { return {reinterpret_cast<const char*>
 util::Error failure(const std::string& what) {
     const PRErrorCode code = PR_GetError();
     const char* name = PR_ErrorToName(code);
-    std::string reason = name == nullptr ? "error " + std::to_string(code) : std::string(name);
-    if (code == SEC_ERROR_READ_ONLY || code == SEC_ERROR_PKCS11_DEVICE_ERROR || code == SEC_ERROR_BUSY)
-        reason += ": it is in use or may not be written";
+    const std::string reason = name == nullptr ? "error " + std::to_string(code) : std::string(name);
     return util::serviceError("certificate database: cannot " + what + " (" + reason + ")");
+}
+
+/// The library tells these three apart no better.
+util::Error cannotOpen(const std::filesystem::path& directory) {
+    auto error = failure("open " + directory.string());
+    error.description += ": another program holds it, it may not be written, or it is damaged";
+    return error;
 }
 
 /// Nobody is there to type a password, and nobody may be asked for one.
@@ -131,10 +136,10 @@ util::Result<NssDatabase> NssDatabase::open(const std::filesystem::path& directo
     parameters.length = sizeof parameters;
     auto state = std::make_unique<State>();
     state->context.reset(NSS_InitContext(("sql:" + directory.string()).c_str(), "", "", "", &parameters, flags));
-    if (!state->context) return failure("open " + directory.string());
+    if (!state->context) return cannotOpen(directory);
     PK11_SetPasswordFunc(noPassword);
     state->slot.reset(PK11_GetInternalKeySlot());
-    if (!state->slot) return failure("open " + directory.string());
+    if (!state->slot) return cannotOpen(directory);
     PK11SlotInfo* slot = state->slot.get();
     if (access == Access::Read) return NssDatabase(std::move(state));
 

@@ -12,6 +12,10 @@ namespace {
 
 using util::dataError;
 
+/// Deriving a key from a password takes as long as the file says it should. Issuers ask for some
+/// thousands of rounds; a file that asks for billions would only keep us busy.
+constexpr long kMostRounds = 5'000'000;
+
 /// The cipher behind a PKCS#5 scheme, by number.
 int cipherOf(const X509_ALGOR* scheme) {
     const ASN1_OBJECT* name = nullptr;
@@ -76,6 +80,9 @@ std::optional<std::string> oldCipher(const PKCS12* file) {
 /// Absent when the file is whole and the password is its own.
 std::optional<util::Error> integrityError(PKCS12* file, const std::string& password) {
     if (PKCS12_mac_present(file) == 0) return dataError("has no integrity check (MAC), so that network programs would refuse it");
+    const ASN1_INTEGER* rounds = nullptr;
+    PKCS12_get0_mac(nullptr, nullptr, nullptr, &rounds, file);
+    if (rounds != nullptr && (ASN1_INTEGER_get(rounds) < 1 || ASN1_INTEGER_get(rounds) > kMostRounds)) return dataError("is damaged");
     ERR_clear_error();
     if (PKCS12_verify_mac(file, password.c_str(), -1) == 1) return std::nullopt;
     // Without a password there are two ways to write one down.
@@ -123,7 +130,7 @@ util::Result<Identity> Pkcs12File::open(const util::Bytes& bytes, const std::str
     }
     if (const auto cipher = oldCipher(file.get())) {
         return dataError("is encrypted by an old cipher (" + *cipher +
-                         "): OpenSSL 3 does not read RC2/3DES without its legacy provider; have it issued with AES");
+                         "); RC2/3DES are not taken, OpenSSL 3 needs its legacy provider for such files: have it issued with AES");
     }
     if (const auto error = integrityError(file.get(), password)) return *error;
 
