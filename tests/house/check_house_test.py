@@ -49,7 +49,7 @@ FAULTS = [
     ("the transport uses its neighbour", "src/linux/http/Curl.h", '#pragma once\n#include "linux/device/Facts.h"\n', "arrows",
      "linux/http uses only platform, util"),
     ("a tool uses more of linux", "src/systools/Tool.h", '#pragma once\n#include "linux/http/Curl.h"\n', "arrows",
-     "systools uses only linux/device, platform, util"),
+     "systools uses only linux, platform, util"),
     ("the flow draws", "src/login/LoginFlow.h", '#pragma once\n#include "ui/widgets/Button.h"\n', "arrows", "only views use ui/widgets"),
     ("an area uses the request layer", "src/login/LoginFlow.h", '#pragma once\n#include "request/Center.h"\n', "arrows", "no other area uses request"),
     ("the request layer uses more", "src/request/Center.h", '#pragma once\n#include "session/X.h"\n', "arrows",

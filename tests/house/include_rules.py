@@ -15,7 +15,7 @@ NARROW = {
     "linux/http": {"platform", "util"},
     "linux": {"platform", "util"},
     "qt": {"platform", "util"},
-    "systools": {"linux/device", "platform", "util"},
+    "systools": {"linux", "platform", "util"},
     "ui/widgets": {"platform", "util"},
     "request": {"http", "platform", "util"},
 }
@@ -63,29 +63,21 @@ def may_use_qt(path):
     return path.startswith(VIEW_FOLDERS) and bool(VIEW.search(path.rsplit("/", 1)[-1].rsplit(".", 1)[0]))
 
 
-def _arrow_problem(source, target, target_path, order):
-    """Why a file of area `source` may not include `target_path` of area `target`; empty when it may."""
-    if source.area == target:
+def _arrow_problem(path, area, target, order):
+    """Why the file `path` of `area` may not include one of area `target`; empty when it may."""
+    if area == target:
         return ""
-    if source.area in NARROW:
-        if any(target_path.startswith(room + "/") for room in NARROW[source.area]):
-            return ""
-        return f"{source.area} uses only {', '.join(sorted(NARROW[source.area]))}"
+    if area in NARROW:
+        return "" if target in NARROW[area] else f"{area} uses only {', '.join(sorted(NARROW[area]))}"
     if target in UNUSED_BY_AREAS:
         return f"no other area uses {target}"
-    if target in ONLY_FOR_THE_ASSEMBLY and source.area != "app":
+    if target in ONLY_FOR_THE_ASSEMBLY and area != "app":
         return f"only the assembly in app names {target}"
-    if target == WIDGETS and not may_use_qt(source.path):
+    if target == WIDGETS and not may_use_qt(path):
         return f"only views use {WIDGETS}"
-    if order.index(target) > order.index(source.area):
-        return f"{target} stands above {source.area}"
+    if order.index(target) > order.index(area):
+        return f"{target} stands above {area}"
     return ""
-
-
-class _Place:
-    def __init__(self, path, area):
-        self.path = path
-        self.area = area
 
 
 def check_arrows(tree):
@@ -104,7 +96,7 @@ def check_arrows(tree):
                 yield f"{file.path}:{include.line}: the client knows nothing of {include.path}"
             elif target is None:
                 yield f'{file.path}:{include.line}: "{include.path}" is no path from src/'
-            elif problem := _arrow_problem(_Place(file.path, area), target, include.path, order):
+            elif problem := _arrow_problem(file.path, area, target, order):
                 yield f"{file.path}:{include.line}: includes {include.path}, but {problem}"
     for file in tree.cpp("server"):
         for include in file.includes:
