@@ -119,7 +119,12 @@ void LoginView::setAutoLoginState(bool on) {
 }
 
 void LoginView::setTip(const std::string& text) {
-    tipLabel->setWholeText(QString::fromStdString(text));
+    const auto tip = QString::fromStdString(text);
+    tipLabel->setWholeText(tip);
+    // A screen reader speaks of the control that has the keyboard, and Qt's bridge of today keeps alerts
+    // to itself, so the tip also describes the controls of the login.
+    for (QWidget* control : {static_cast<QWidget*>(userNameTF), static_cast<QWidget*>(passWordTF), static_cast<QWidget*>(loginBtn)})
+        control->setAccessibleDescription(tip);
     if (text.empty()) return;
     QAccessibleEvent alert(tipLabel, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);

@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QWindow>
+#include <algorithm>
 
 namespace halvane::ui {
 
@@ -76,9 +77,11 @@ void HDCLBaseWindow::setBackgroundPattern(const QString& imageName, QSize tile) 
 }
 
 void HDCLBaseWindow::center() {
+    const QRect usable = screen()->availableGeometry();
     QRect frame(QPoint(), frameSize());
-    frame.moveCenter(screen()->availableGeometry().center());
-    move(frame.topLeft());
+    frame.moveCenter(usable.center());
+    // A window that is larger than the screen keeps its title bar on it.
+    move(std::max(frame.left(), usable.left()), std::max(frame.top(), usable.top()));
 }
 
 void HDCLBaseWindow::orderFront() {

@@ -3,10 +3,11 @@
 #include "ui/widgets/HDCLUICenter.h"
 #include "ui/widgets/NamedImage.h"
 
+#include <QClipboard>
 #include <QContextMenuEvent>
+#include <QGuiApplication>
 #include <QMenu>
 #include <QPainter>
-#include <memory>
 
 namespace halvane::ui {
 
@@ -21,13 +22,22 @@ constexpr int kOwnMargin = 2;  // that a line edit keeps left and right of its t
 }  // namespace
 
 IconTextField::IconTextField(const QString& imageName, QWidget* parent) : QLineEdit(parent), imageName_(imageName) {
-    setFont(HDCLUICenter::font(HDCLUICenter::Type::Body));
+    QObject::connect(this, &QLineEdit::textChanged, this, &IconTextField::updateFont);
+    updateFont();
     setFrame(false);
     setTextMargins(kTextLeft - kOwnMargin, 0, kTextRight - kOwnMargin, 0);
     // The ground with its round border is painted here, beneath the text.
     QPalette colors = palette();
     colors.setColor(QPalette::Base, Qt::transparent);
     setPalette(colors);
+}
+
+void IconTextField::updateFont() {
+    // The dots of a password fill the width of a Chinese character, and would touch in the size of the rest.
+    const bool dots = echoMode() == QLineEdit::Password && !text().isEmpty();
+    QFont font = HDCLUICenter::font(dots ? HDCLUICenter::Type::Dots : HDCLUICenter::Type::Body);
+    if (dots) font.setLetterSpacing(QFont::AbsoluteSpacing, 1);
+    setFont(font);
 }
 
 void IconTextField::placeCursor() { holdsSuffixOnly() ? home(false) : end(false); }
@@ -75,21 +85,23 @@ void IconTextField::leaveEvent(QEvent* event) {
 }
 
 void IconTextField::contextMenuEvent(QContextMenuEvent* event) {
-    // Qt's own titles follow the desktop's language, and its translations are seldom installed.
-    static constexpr struct {
-        const char* action;
-        const char16_t* title;
-    } kTitles[] = {{"edit-undo", u"撤销"},  {"edit-redo", u"重做"},   {"edit-cut", u"剪切"},  {"edit-copy", u"拷贝"},
-                   {"edit-paste", u"粘贴"}, {"edit-delete", u"删除"}, {"select-all", u"全选"}};
-    QMenu* menu = createStandardContextMenu();
+    // Qt's own menu speaks English wherever its translations are not installed, which is nearly everywhere.
+    const bool readable = echoMode() == QLineEdit::Normal;
+    auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    for (QAction* action : menu->actions()) {
-        for (const auto& [name, title] : kTitles) {
-            if (action->objectName() != QLatin1String(name)) continue;
-            const QString keys = action->text().section(u'\t', 1);  // "Copy\tCtrl+C"
-            action->setText(QString::fromUtf16(title) + (keys.isEmpty() ? QString() : u'\t' + keys));
-        }
-    }
+    const auto add = [this, menu](const QString& title, QKeySequence::StandardKey key, bool enabled, auto slot) {
+        QAction* action = menu->addAction(title, this, slot);
+        action->setShortcut(key);
+        action->setEnabled(enabled);
+    };
+    add(QStringLiteral("撤销"), QKeySequence::Undo, isUndoAvailable(), &QLineEdit::undo);
+    add(QStringLiteral("重做"), QKeySequence::Redo, isRedoAvailable(), &QLineEdit::redo);
+    menu->addSeparator();
+    add(QStringLiteral("剪切"), QKeySequence::Cut, hasSelectedText() && readable, &QLineEdit::cut);
+    add(QStringLiteral("拷贝"), QKeySequence::Copy, hasSelectedText() && readable, &QLineEdit::copy);
+    add(QStringLiteral("粘贴"), QKeySequence::Paste, !QGuiApplication::clipboard()->text().isEmpty(), &QLineEdit::paste);
+    menu->addSeparator();
+    add(QStringLiteral("全选"), QKeySequence::SelectAll, !text().isEmpty(), &QLineEdit::selectAll);
     menu->popup(event->globalPos());
 }
 

@@ -22,6 +22,7 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
+    void updateFont();
     [[nodiscard]] bool holdsSuffixOnly() const { return text().startsWith(u'@'); }
 
     QString imageName_;
