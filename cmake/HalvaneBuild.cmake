@@ -37,12 +37,15 @@ function(halvane_library name)
 endfunction()
 
 # halvane_test(area SOURCES … LIBS …): one program halvane_<area>_test, each of its cases a CTest test.
-# ENV adds variables to each of them; LABELS marks them.
+# ENV adds variables to each of them; LABELS marks them; MAIN is the library with another main function.
 function(halvane_test area)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;ENV;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "" "MAIN" "SOURCES;LIBS;ENV;LABELS" ${ARGN})
+  if(NOT ARG_MAIN)
+    set(ARG_MAIN halvane_test_support)
+  endif()
   add_executable(halvane_${area}_test ${ARG_SOURCES})
   target_include_directories(halvane_${area}_test PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
-  target_link_libraries(halvane_${area}_test PRIVATE halvane_warnings halvane_test_support ${ARG_LIBS})
+  target_link_libraries(halvane_${area}_test PRIVATE halvane_warnings ${ARG_MAIN} ${ARG_LIBS})
   gtest_discover_tests(halvane_${area}_test DISCOVERY_MODE PRE_TEST
     TEST_PREFIX "${area}." PROPERTIES TIMEOUT 120 ENVIRONMENT "${ARG_ENV}" LABELS "${ARG_LABELS}")
 endfunction()
