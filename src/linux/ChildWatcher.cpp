@@ -128,6 +128,8 @@ ChildWatcher::ChildWatcher() : state_(std::make_shared<State>()) {}
 
 ChildWatcher::~ChildWatcher() { state_->stop(); }
 
-void ChildWatcher::watch(pid_t child, Ended onEnded) { state_->add({child, Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, child, 0))), std::move(onEnded)}); }
+void ChildWatcher::watch(pid_t child, Ended onEnded) {
+    state_->add({child, Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, child, 0))), std::move(onEnded)});
+}
 
 }  // namespace halvane::linux

@@ -27,7 +27,7 @@ WIDGETS = "ui/widgets"
 # and errors are translated there. fmt is the formatting of the whole house and needs no door.
 DOORS = {
     "libcurl": (r"^curl/", ("src/linux/http/",)),
-    "libsecret": (r"^libsecret/", ("src/linux/SecretServiceKeychain.",)),
+    "libsecret": (r"^libsecret/", ("src/linux/SecretStore.",)),
     "libnm": (r"^(NetworkManager|nm-[\w-]+)\.h$|^libnm/", ("src/linux/", "src/systools/profiles/")),
     "GIO": (r"^(gio|glib|glib-object|gobject)[/.]", ("src/linux/", "src/systools/profiles/")),
     "sd-bus and sd-journal": (r"^systemd/", ("src/linux/",)),

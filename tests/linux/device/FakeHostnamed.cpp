@@ -1,28 +1,12 @@
 #include "linux/device/FakeHostnamed.h"
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <systemd/sd-bus.h>
-#include <unistd.h>
-
-#include <csignal>
-#include <fstream>
-#include <stdexcept>
 
 namespace halvane::test {
 
 namespace {
 
 constexpr const char* kName = "org.freedesktop.hostname1";
-
-/// Everything that is not asked of a test's own: the usual configuration would look for services to start.
-std::string configuration(const std::string& address) {
-    return "<busconfig><type>session</type><listen>" + address +
-           "</listen><auth>EXTERNAL</auth><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/><allow "
-           "receive_sender=\"*\" eavesdrop=\"true\"/><allow own=\"*\"/>"
-           "<allow user=\"*\"/></policy></busconfig>";
-}
 
 int onGetHardwareSerial(sd_bus_message* call, void* userData, sd_bus_error*) {
     const auto& fake = *static_cast<FakeHostnamed*>(userData);
@@ -54,36 +38,6 @@ int onCall(sd_bus_message* message, void* userData, sd_bus_error* error) {
 }
 
 }  // namespace
-
-PrivateBus::PrivateBus() {
-    std::string name = (std::filesystem::temp_directory_path() / "halvane-bus-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make " + name);
-    directory_ = name;
-    address_ = "unix:path=" + (directory_ / "socket").string();
-    std::ofstream(directory_ / "configuration") << configuration(address_);
-
-    int ready[2];
-    if (::pipe(ready) != 0) throw std::runtime_error("no pipe");
-    const std::string file = "--config-file=" + (directory_ / "configuration").string();
-    const std::string report = "--print-address=" + std::to_string(ready[1]);
-    const char* arguments[] = {"dbus-daemon", file.c_str(), report.c_str(), "--nofork", "--nosyslog", nullptr};
-    if (::posix_spawnp(&daemon_, "dbus-daemon", nullptr, nullptr, const_cast<char* const*>(arguments), environ) != 0) daemon_ = -1;
-    ::close(ready[1]);
-    char told = 0;
-    // It prints its address once it listens; end of file means that it did not come up.
-    const bool up = daemon_ > 0 && ::read(ready[0], &told, 1) == 1;
-    ::close(ready[0]);
-    if (!up) throw std::runtime_error("dbus-daemon did not start");
-}
-
-PrivateBus::~PrivateBus() {
-    if (daemon_ > 0) {
-        ::kill(daemon_, SIGKILL);
-        ::waitpid(daemon_, nullptr, 0);
-    }
-    std::error_code ignored;
-    std::filesystem::remove_all(directory_, ignored);
-}
 
 FakeHostnamed::FakeHostnamed(const PrivateBus& bus, Manner how, std::string serialNumber, std::array<std::uint8_t, 16> machine)
     : manner(how), serial(std::move(serialNumber)), uuid(machine), thread_([this, address = bus.address()] { serve(address); }) {

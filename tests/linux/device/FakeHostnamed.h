@@ -1,31 +1,14 @@
 #pragma once
 
+#include "support/PrivateBus.h"
+
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <thread>
 
-#include <sys/types.h>
-
 namespace halvane::test {
-
-/// A bus daemon of the test's own, on a socket in a directory of its own, with nobody on it.
-class PrivateBus {
-public:
-    PrivateBus();
-    ~PrivateBus();
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
-
-    [[nodiscard]] const std::string& address() const { return address_; }
-
-private:
-    std::filesystem::path directory_;
-    std::string address_;
-    pid_t daemon_ = -1;
-};
 
 /// Answers on `bus` as systemd-hostnamed would, from a thread of its own.
 class FakeHostnamed {

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "linux/device/SystemFiles.h"
+#include "platform/MainLoop.h"
+#include "platform/Reachability.h"
+
+#include <memory>
+#include <string>
+#include <thread>
+
+namespace halvane::linux {
+
+/// Reachability by NetworkManager; where it is absent, or has not answered within `kPatience`, by
+/// whether the kernel has a default route. Watched on a thread of its own, which begins with
+/// `startMonitoring`. A handler that is set later than the status is known hears that status first.
+/// Destroying it, which a handler may do, ends the thread at once; a handler that waits on the main
+/// loop is not called any more. `mainLoop` outlives this object.
+class NetworkManagerReachability final : public platform::Reachability {
+public:
+    static constexpr std::chrono::milliseconds kPatience{2000};
+
+    /// Where to look, and how long to wait; the defaults are for this machine.
+    struct Sources {
+        std::string busAddress;  ///< empty: the system's bus
+        SystemFiles files;
+        std::chrono::milliseconds patience = kPatience;
+    };
+
+    explicit NetworkManagerReachability(platform::MainLoop& mainLoop) : NetworkManagerReachability(mainLoop, Sources()) {}
+    NetworkManagerReachability(platform::MainLoop& mainLoop, Sources sources);
+    ~NetworkManagerReachability() override;
+    NetworkManagerReachability(const NetworkManagerReachability&) = delete;
+    NetworkManagerReachability& operator=(const NetworkManagerReachability&) = delete;
+
+    void startMonitoring() override;
+    [[nodiscard]] platform::ReachabilityStatus status() const override;
+    void setHandler(Handler handler) override;
+
+private:
+    class Watch;
+    const std::shared_ptr<Watch> watch_;
+};
+
+}  // namespace halvane::linux
