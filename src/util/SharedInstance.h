@@ -1,39 +1,31 @@
 #pragma once
 
-#include <functional>
-#include <memory>
+#include <atomic>
 #include <stdexcept>
-#include <utility>
 
 namespace halvane::util {
 
 /// Behind an accessor such as `HDCLUserConfig::sharedUser()`: the one instance of a class that a
-/// process has. The assembly says at start how it is made; the first `get` makes it, under the
-/// language's once-only guard of a local static. Classes keep ordinary constructors for tests.
+/// process has. The assembly owns it and names it here, for as long as it lives; classes keep
+/// ordinary constructors, and tests make instances of their own.
 template <typename T>
 class SharedInstance {
 public:
-    using Maker = std::function<std::unique_ptr<T>()>;
+    /// Null takes the instance back. Any thread.
+    static void set(T* instance) { slot().store(instance); }
 
-    /// Main thread, before the first `get`.
-    static void setMaker(Maker maker) { makerSlot() = std::move(maker); }
-
-    /// Any thread. Without a maker, or with one that makes nothing, the program is put together
-    /// wrongly: throws std::logic_error.
+    /// Any thread. Asking while there is none means that the program is put together wrongly: throws
+    /// std::logic_error.
     static T& get() {
-        static const std::unique_ptr<T> instance = make();
+        T* const instance = slot().load();
+        if (instance == nullptr) throw std::logic_error("a shared instance was asked for before the assembly made it");
         return *instance;
     }
 
 private:
-    static Maker& makerSlot() {
-        static Maker maker;
-        return maker;
-    }
-    static std::unique_ptr<T> make() {
-        auto made = makerSlot() ? makerSlot()() : nullptr;
-        if (!made) throw std::logic_error("shared instance asked for before the assembly said how it is made");
-        return made;
+    static std::atomic<T*>& slot() {
+        static std::atomic<T*> instance{nullptr};
+        return instance;
     }
 };
 

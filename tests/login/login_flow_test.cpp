@@ -289,6 +289,13 @@ TEST_F(LoginFlowTest, a_view_that_goes_away_hears_nothing_more) {
     answer(kChenAccepted);
     EXPECT_EQ(events, Events{"busy"});
 
+    start();
+    flow->loginAction();
+    flow.reset();
+    const auto sent = requestCount();
+    settle();
+    EXPECT_EQ(requestCount(), sent) << "gone while the facts were gathered";
+
     on.preferences.set("HDCL_ISAUTOLOGIN", true);
     on.user.user_loginSuccessWithDic(util::Dictionary{{"job_number", "1"}, {"token", ""}});
     storeCredentials("chen@example.com", "pw");

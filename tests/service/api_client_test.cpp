@@ -75,6 +75,9 @@ TEST_F(ApiClientTest, the_token_of_the_moment_goes_with_each_request) {
     on.user.user_deleteUserInfo();
     send(0);
     EXPECT_EQ(header("token-id"), "");
+    on.user.user_loginSuccessWithDic(Dictionary{{"job_number", "1"}});
+    send(0);
+    EXPECT_EQ(header("token-id"), "");
 }
 
 TEST_F(ApiClientTest, replies_become_objects_or_the_right_error) {

@@ -88,9 +88,11 @@ TEST_F(UserConfigTest, signed_in_means_a_token_even_an_empty_one) {
 
 TEST_F(UserConfigTest, deletion_keeps_puid_and_a_file_that_stays_signs_in_again) {
     config.user_loginSuccessWithDic(chen());
+    preferences.set("KEY_WORKADDRESS", "not yet written");
     config.user_deleteUserInfo();
     EXPECT_FALSE(config.user_isLogin());
     EXPECT_FALSE(files.files.contains(chenFile));
+    EXPECT_NE(preferences.saved.find("KEY_WORKADDRESS"), nullptr);
     EXPECT_EQ(*preferences.saved.find("puid"), util::Value("12345"));
 
     config.user_loginSuccessWithDic(chen());

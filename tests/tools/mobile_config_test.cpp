@@ -21,7 +21,7 @@ protected:
         return Dictionary{{"PayloadContent", Value::List{Dictionary{{"PayloadIdentifier", std::move(identifier)},
                                                                     {"PayloadDisplayName", "as shipped"},
                                                                     {"PayloadCertificateFileName", "shipped.p12"},
-                                                                    {"Password", "shipped"}},
+                                                                    {"Password", "shippedPw"}},
                                                          Dictionary{{"PayloadIdentifier", "second"}, {"Password", "untouched"}}}},
                           {"PayloadType", "Configuration"}};
     }
@@ -53,7 +53,7 @@ TEST_F(MobileConfigTest, fills_the_first_payload_and_leaves_the_rest) {
     EXPECT_EQ(written(path, 1, "Password"), "untouched");
     EXPECT_TRUE(on.log.contains("fileDict:"));
     EXPECT_TRUE(on.log.contains("saveFile:"));
-    EXPECT_FALSE(on.log.contains("s3cret"));
+    for (const char* secret : {"s3cret", "shippedPw", "untouched"}) EXPECT_FALSE(on.log.contains(secret)) << secret;
 }
 
 TEST_F(MobileConfigTest, nothing_given_means_the_default_password_the_templates_names_and_empty_bytes) {

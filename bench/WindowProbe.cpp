@@ -1,0 +1,172 @@
+#include "WindowProbe.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <xcb/damage.h>
+#include <xcb/xcb.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+
+namespace halvane::bench {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+struct Free {
+    void operator()(void* memory) const { std::free(memory); }
+};
+template <typename T>
+using Reply = std::unique_ptr<T, Free>;
+
+pid_t spawn(const std::vector<std::string>& command, const std::vector<std::string>& environment, int keptDescriptor = -1) {
+    const auto pointers = [](const std::vector<std::string>& texts) {
+        std::vector<char*> list;
+        for (const auto& text : texts) list.push_back(const_cast<char*>(text.c_str()));
+        list.push_back(nullptr);
+        return list;
+    };
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    if (keptDescriptor >= 0) posix_spawn_file_actions_adddup2(&actions, keptDescriptor, 3);
+    pid_t child = -1;
+    const int failed = posix_spawnp(&child, command[0].c_str(), &actions, nullptr, pointers(command).data(), pointers(environment).data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (failed != 0) throw std::runtime_error("cannot start " + command[0] + ": " + std::strerror(failed));
+    return child;
+}
+
+void end(pid_t child) {
+    if (child <= 0) return;
+    kill(child, SIGTERM);
+    for (int i = 0; i < 300; ++i) {
+        if (waitpid(child, nullptr, WNOHANG) != 0) return;
+        usleep(10'000);
+    }
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+}
+
+double millisecondsSince(Clock::time_point start) { return std::chrono::duration<double, std::milli>(Clock::now() - start).count(); }
+
+std::uint64_t kibibytesOf(const std::string& file, const std::string& name) {
+    std::ifstream lines(file);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with(name + ":")) return std::strtoull(line.c_str() + name.size() + 1, nullptr, 10);
+    }
+    return 0;
+}
+
+double processorTime(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+    std::stringstream text;
+    text << file.rdbuf();
+    std::istringstream fields(text.str().substr(text.str().rfind(')') + 2));
+    std::string skipped;
+    for (int i = 0; i < 11; ++i) fields >> skipped;
+    double user = 0;
+    double system = 0;
+    fields >> user >> system;
+    return (user + system) * 1000 / static_cast<double>(sysconf(_SC_CLK_TCK));
+}
+
+}  // namespace
+
+WindowProbe::WindowProbe() {
+    int ends[2];
+    if (pipe(ends) != 0) throw std::runtime_error("no pipe");
+    std::string path = std::getenv("PATH") == nullptr ? "" : std::getenv("PATH");
+    server_ = spawn({"Xvfb", "-displayfd", "3", "-screen", "0", "1280x1024x24", "-nolisten", "tcp"}, {"PATH=" + path}, ends[1]);
+    close(ends[1]);
+    char number[16] = {};
+    pollfd ready{ends[0], POLLIN, 0};
+    if (poll(&ready, 1, 10'000) != 1 || read(ends[0], number, sizeof number - 1) <= 0) throw std::runtime_error("Xvfb did not start");
+    close(ends[0]);
+    display_ = ":" + std::to_string(std::atoi(number));
+
+    connection_ = xcb_connect(display_.c_str(), nullptr);
+    if (xcb_connection_has_error(connection_) != 0) throw std::runtime_error("cannot open display " + display_);
+    damageEvent_ = xcb_get_extension_data(connection_, &xcb_damage_id)->first_event;
+    const Reply<xcb_damage_query_version_reply_t> version(
+        xcb_damage_query_version_reply(connection_, xcb_damage_query_version(connection_, 1, 1), nullptr));
+    const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection_, xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root, XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(connection_);
+}
+
+WindowProbe::~WindowProbe() {
+    if (connection_ != nullptr) xcb_disconnect(connection_);
+    end(server_);
+}
+
+double WindowProbe::untilFirstPaint(Clock::time_point start) {
+    pollfd ready{xcb_get_file_descriptor(connection_), POLLIN, 0};
+    while (millisecondsSince(start) < 20'000) {
+        const Reply<xcb_generic_event_t> event(xcb_poll_for_event(connection_));
+        if (!event) {
+            poll(&ready, 1, 100);
+            continue;
+        }
+        const auto type = static_cast<std::uint8_t>(event->response_type & 0x7F);
+        if (type == XCB_MAP_NOTIFY) {
+            // Watching begins with one event for the whole window, painted or not.
+            const auto* mapped = reinterpret_cast<const xcb_map_notify_event_t*>(event.get());
+            xcb_damage_create(connection_, xcb_generate_id(connection_), mapped->window, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
+            xcb_flush(connection_);
+        } else if (type == damageEvent_ + XCB_DAMAGE_NOTIFY) {
+            const auto* damaged = reinterpret_cast<const xcb_damage_notify_event_t*>(event.get());
+            const double now = millisecondsSince(start);
+            xcb_damage_subtract(connection_, damaged->damage, XCB_NONE, XCB_NONE);
+            if (isPainted(damaged->drawable, damaged->geometry.width, damaged->geometry.height)) return now;
+        }
+    }
+    throw std::runtime_error("no window appeared");
+}
+
+bool WindowProbe::isPainted(std::uint32_t window, std::uint16_t width, std::uint16_t height) {
+    constexpr std::uint16_t kSmallest = 100;
+    if (width < kSmallest || height < kSmallest) return false;
+    const Reply<xcb_get_image_reply_t> image(
+        xcb_get_image_reply(connection_, xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, window, 0, 0, width, height, ~0U), nullptr));
+    if (!image) return false;
+    // The display paints the ground in one colour before the program paints anything.
+    const auto* pixels = reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(image.get()));
+    const auto count = static_cast<std::size_t>(xcb_get_image_data_length(image.get())) / sizeof(std::uint32_t);
+    return std::any_of(pixels, pixels + count, [first = pixels[0]](std::uint32_t pixel) { return pixel != first; });
+}
+
+WindowProbe::Start WindowProbe::measure(const std::vector<std::string>& command, const std::vector<std::string>& environment) {
+    while (const Reply<xcb_generic_event_t> stale{xcb_poll_for_event(connection_)}) {
+    }
+    auto surroundings = environment;
+    surroundings.push_back("DISPLAY=" + display_);
+    const auto start = Clock::now();
+    const pid_t program = spawn(command, surroundings);
+    Start result;
+    try {
+        result.firstPaint = untilFirstPaint(start);
+    } catch (...) {
+        end(program);
+        throw;
+    }
+    usleep(1'000'000);
+    const std::string memory = "/proc/" + std::to_string(program) + "/smaps_rollup";
+    result.resident = kibibytesOf(memory, "Rss") * 1024;
+    result.privateSize = (kibibytesOf(memory, "Private_Dirty") + kibibytesOf(memory, "Private_Clean")) * 1024;
+    result.cpu = processorTime(program);
+    end(program);
+    return result;
+}
+
+}  // namespace halvane::bench

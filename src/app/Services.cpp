@@ -1,0 +1,137 @@
+#include "app/Services.h"
+
+#include "app/Deployment.h"
+#include "app/HDCLProjectConfig.h"
+#include "device/HVDeviceInfoHelper.h"
+#include "linux/AsioDispatchQueues.h"
+#include "linux/NetworkManagerReachability.h"
+#include "linux/PosixFileStore.h"
+#include "linux/PosixProcessLauncher.h"
+#include "linux/PropertyListPreferences.h"
+#include "linux/SecretServiceKeychain.h"
+#include "linux/SystemLog.h"
+#include "linux/UnavailableUpdater.h"
+#include "linux/UnixSingleInstance.h"
+#include "linux/XdgDirectories.h"
+#include "linux/device/LinuxDeviceRegistry.h"
+#include "linux/device/LinuxNetworkInterfaces.h"
+#include "linux/device/LinuxSystemControl.h"
+#include "linux/device/LinuxSystemCounters.h"
+#include "linux/device/LinuxSystemVersion.h"
+#include "linux/http/CurlTransport.h"
+#include "login/CertificateFetch.h"
+#include "platform/MainLoop.h"
+#include "service/APIClient.h"
+#include "service/HVRequstHelper.h"
+#include "session/HDCLUserConfig.h"
+#include "session/KTKeyChain.h"
+#include "tools/HVMobileConfigTool.h"
+#include "util/NotificationCenter.h"
+#include "util/SharedInstance.h"
+
+#include <chrono>
+#include <cstdio>
+#include <future>
+#include <utility>
+
+namespace halvane::app {
+
+/// In order of making: each stands on those before it.
+struct Services::Parts {
+    Parts(const Settings& settings, std::shared_ptr<platform::MainLoop> loop, linux::XdgDirectories places)
+        : mainLoop(std::move(loop)),
+          directories(std::move(places)),
+          preferences(files, directories.configuration() / "preferences.plist", log),
+          launcher(std::make_unique<linux::PosixProcessLauncher>(settings.toolRoot)),
+          reachability(*mainLoop),
+          client({transport, mainLoop, user, directories, reachability, std::string("Halvane/") + Deployment::kVersion, settings.language}),
+          requests(client, settings.serverBaseUrl),
+          serverBaseUrl(settings.serverBaseUrl) {}
+
+    const std::shared_ptr<platform::MainLoop> mainLoop;
+    linux::SystemLog log;
+    linux::PosixFileStore files;
+    const linux::XdgDirectories directories;
+    linux::PropertyListPreferences preferences;
+    linux::SecretServiceKeychain keychain{log};
+    const linux::SystemFiles systemFiles;
+    linux::LinuxDeviceRegistry registry{systemFiles, linux::HostnamedClient()};
+    linux::LinuxSystemControl control{systemFiles};
+    linux::LinuxSystemVersion version{systemFiles};
+    linux::LinuxSystemCounters counters{systemFiles};
+    linux::LinuxNetworkInterfaces interfaces{systemFiles};
+    linux_http::CurlTransport transport;
+    linux::UnavailableUpdater updater{log};
+    std::unique_ptr<linux::PosixProcessLauncher> launcher;
+    linux::NetworkManagerReachability reachability;
+    linux::UnixSingleInstance singleInstance{directories.temporary(), *mainLoop, log};
+    std::unique_ptr<linux::AsioDispatchQueues> queues = std::make_unique<linux::AsioDispatchQueues>();
+    std::shared_ptr<platform::DispatchQueue> credentialQueue = queues->makeSerial("com.halvane.credentials");
+    std::shared_ptr<platform::DispatchQueue> toolQueue = queues->makeSerial("com.halvane.tools");
+
+    util::NotificationCenter notifications;
+    HDCLProjectConfig project{Deployment::kVersion};
+    session::HDCLUserConfig user{preferences, files, directories};
+    session::KTKeyChain keyChain{keychain, log};
+    service::APIClient client;
+    service::HVRequstHelper requests;
+    device::HVDeviceInfoHelper device{{*launcher, registry, control, version, counters, interfaces, log,
+                                       [](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }}};
+    tools::HVMobileConfigTool profiles{{files, directories, *launcher, device, log}};
+    login::CertificateFetch certificates{{*toolQueue, files, log, user, requests, device, profiles}};
+    std::string serverBaseUrl;
+};
+
+util::Result<std::unique_ptr<Services>> Services::make(const Settings& settings, std::shared_ptr<platform::MainLoop> mainLoop) {
+    auto directories = linux::XdgDirectories::locate(settings.resources);
+    if (!directories) return directories.error();
+    return std::unique_ptr<Services>(new Services(std::make_unique<Parts>(settings, std::move(mainLoop), *std::move(directories))));
+}
+
+Services::Services(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {
+    util::SharedInstance<HDCLProjectConfig>::set(&parts_->project);
+    util::SharedInstance<session::HDCLUserConfig>::set(&parts_->user);
+    util::SharedInstance<service::APIClient>::set(&parts_->client);
+}
+
+Services::~Services() {
+    // A password that was typed a moment ago is still on its way to the store.
+    constexpr std::chrono::seconds kStoring{2};
+    const auto stored = std::make_shared<std::promise<void>>();
+    parts_->credentialQueue->async([stored] { stored->set_value(); });
+    (void)stored->get_future().wait_for(kStoring);
+    // Blocks and terminations use what stands below them.
+    parts_->queues.reset();
+    parts_->launcher.reset();
+    util::SharedInstance<HDCLProjectConfig>::set(nullptr);
+    util::SharedInstance<session::HDCLUserConfig>::set(nullptr);
+    util::SharedInstance<service::APIClient>::set(nullptr);
+}
+
+platform::Reachability& Services::reachability() { return parts_->reachability; }
+platform::SingleInstance& Services::singleInstance() { return parts_->singleInstance; }
+platform::Updater& Services::updater() { return parts_->updater; }
+util::NotificationCenter& Services::notifications() { return parts_->notifications; }
+util::Log& Services::log() { return parts_->log; }
+session::HDCLUserConfig& Services::user() { return parts_->user; }
+
+std::unique_ptr<login::LoginFlow> Services::makeLoginFlow(login::LoginScreen& screen, platform::Browser& browser) {
+    Parts& my = *parts_;
+    return std::make_unique<login::LoginFlow>(
+        screen,
+        login::LoginFlow::Collaborators{*my.mainLoop,
+                                        *my.credentialQueue,
+                                        *my.toolQueue,
+                                        my.preferences,
+                                        browser,
+                                        my.notifications,
+                                        my.log,
+                                        my.user,
+                                        my.keyChain,
+                                        my.requests,
+                                        my.device,
+                                        my.certificates,
+                                        {my.serverBaseUrl, Deployment::kMailSuffix, Deployment::kSsoBaseUrl, Deployment::kKeychainPrefix}});
+}
+
+}  // namespace halvane::app
