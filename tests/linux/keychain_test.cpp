@@ -36,6 +36,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
+constexpr milliseconds kNoWait{5000};
 const platform::KeychainQuery kQuery{"generic password", "com.example.clouddisk", "com.example.clouddisk", "after first unlock"};
 
 /// How long each of the three operations takes to fail, in the order add, remove, copy; the longest.
@@ -85,7 +86,8 @@ protected:
     }
 
     test::RecordingLog log;
-    SecretServiceKeychain keychain{log};
+    // Far beyond what a busy machine needs: whoever waits shows.
+    SecretServiceKeychain keychain{log, 6 * kNoWait};
 };
 
 TEST_F(SecretServiceKeychainTest, an_item_of_another_program_is_found_as_it_is_and_replaced) {
@@ -102,7 +104,7 @@ TEST_F(SecretServiceKeychainTest, a_locked_collection_is_an_error_and_never_a_qu
     test::SecretServiceProgram program;
     ASSERT_TRUE(keychain.add(kQuery, "secret"));
     program.lock();
-    EXPECT_LT(longestFailure(keychain), platform::Keychain::kDeadline);
+    EXPECT_LT(longestFailure(keychain), kNoWait);
     expectOneLine("locked");
     // Of something that was never stored nobody can say so while the collection is locked.
     EXPECT_FALSE(keychain.copyMatching({"generic password", "never stored", "never stored", "after first unlock"}));
@@ -110,28 +112,28 @@ TEST_F(SecretServiceKeychainTest, a_locked_collection_is_an_error_and_never_a_qu
 
 TEST_F(SecretServiceKeychainTest, a_service_without_a_collection_is_an_error) {
     const test::SecretServiceProgram program(test::SecretServiceProgram::Start::WithoutPassword);
-    EXPECT_LT(longestFailure(keychain), platform::Keychain::kDeadline);
+    EXPECT_LT(longestFailure(keychain), kNoWait);
     expectOneLine("there is no default collection");
 }
 
 TEST_F(SecretServiceKeychainTest, without_a_service_or_a_bus_there_is_an_error_at_once) {
     const test::PrivateBus bus;
     useBus(bus.address());
-    EXPECT_LT(longestFailure(keychain), milliseconds(1000));
+    EXPECT_LT(longestFailure(keychain), kNoWait);
     expectOneLine("is not there");
 
     const char* const buses[] = {"unix:path=/nowhere/bus", "", "autolaunch:", "nonsense", "unix:path=/dev/null"};
     for (const char* address : buses) {
         SCOPED_TRACE(address);
         useBus(address);
-        SecretServiceKeychain other(log);
-        EXPECT_LT(longestFailure(other), milliseconds(1000));
+        SecretServiceKeychain other(log, 6 * kNoWait);
+        EXPECT_LT(longestFailure(other), kNoWait);
     }
 }
 
 TEST_F(SecretServiceKeychainTest, a_silent_service_or_bus_costs_no_more_than_the_deadline) {
     constexpr milliseconds kShort{200};
-    constexpr milliseconds kSlack{1000};
+    constexpr milliseconds kSlack{2000};
     const test::PrivateBus bus;
     const SilentService service(bus);
     useBus(bus.address());
