@@ -1,0 +1,68 @@
+"""The company's side of the journey: its server, the server's access log and its database."""
+import re
+import sqlite3
+from pathlib import Path
+
+from processes import expect, output_of, wait_for
+
+LOGIN = "/api/client/login"
+
+
+class Company:
+    USER = "chen.xiao"
+    PASSWORD = "orchard-7-lantern"
+
+    def __init__(self, processes, program, folder, env):
+        self._processes = processes
+        self._program = program
+        self._data = Path(folder, "company")
+        self._access_log = processes.logs / "access.log"
+        self._env = env
+        self.url = ""
+        self.user_name = ""
+
+    def start(self):
+        seeded = output_of(self._program, "seed", "--data", self._data, "--password", self.PASSWORD, env=self._env).decode()
+        addresses = re.findall(rf"(?m)^({re.escape(self.USER)}@\S+)", seeded)
+        expect(addresses, f"the small company has no {self.USER}: {seeded}")
+        self.user_name = addresses[0]
+        server = self._processes.start(
+            "server", [self._program, "serve", "--port", 0, "--data", self._data, "--access-log", self._access_log], self._env)
+
+        def address():
+            expect(server.poll() is None, "the server ended")
+            return re.search(r"(?m)^halvane-server: (http\S+)$", self._processes.log_text("server"))
+
+        self.url = wait_for("the server's address", address)[1]
+
+    @property
+    def domain(self):
+        return self.user_name.partition("@")[2]
+
+    def requests(self, path=""):
+        """Lines of the access log: (method, path, status)."""
+        if not self._access_log.exists():
+            return []
+        lines = (line.split() for line in self._access_log.read_text(encoding="utf-8").splitlines())
+        return [(fields[1], fields[2], int(fields[3])) for fields in lines if len(fields) > 3 and fields[2].startswith(path)]
+
+    def logins(self):
+        return self.requests(LOGIN)
+
+    def ask(self, query, *values):
+        with sqlite3.connect(f"file:{self._data}/company.sqlite?mode=ro", uri=True, timeout=5) as database:
+            return database.execute(query, values).fetchall()
+
+    def job_number(self):
+        return self.ask("SELECT job_number FROM users WHERE short_name = ?", self.USER)[0][0]
+
+    def user_id(self):
+        return str(self.ask("SELECT id FROM users WHERE short_name = ?", self.USER)[0][0])
+
+    def certificate(self):
+        """The PKCS#12 file as the server issued it; None when it has issued none."""
+        rows = self.ask("SELECT pkcs12 FROM certificates WHERE user_id = ?", self.user_id())
+        return rows[0][0] if rows else None
+
+    def sessions(self):
+        return self.ask("SELECT count(*) FROM sessions WHERE user_id = ?", self.user_id())[0][0]

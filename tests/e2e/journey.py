@@ -1,0 +1,270 @@
+#!/usr/bin/python3
+"""A whole journey through Halvane, as a person takes it: typing and clicking from outside.
+
+Starts a virtual display, a window manager, a session bus, a Secret Service, the company server and the
+client, all of them private, and looks only at what can be seen from outside: windows and their pixels, the
+server's log and database, files, the certificate store, processes. One line a step; exit code 1 when one fails.
+"""
+import argparse
+import contextlib
+import plistlib
+import shutil
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+from client import LOGIN_SIZE, MAIN_SIZE, Client, LoginWindow, mode_of, texts_in
+from company import Company
+from desktop import Desktop
+from processes import ChildWatch, Failed, Processes, end_after, expect, output_of, stays, wait_for
+
+LONGEST = 180
+
+
+class Journey:
+    def __init__(self, processes, desktop, company, client, options):
+        self._processes = processes
+        self._desktop = desktop
+        self._company = company
+        self._client = client
+        self._pictures = options.pictures
+        self._start_within = options.start_within
+        self._taken = 0
+        self._watched = set()
+
+    def steps(self):
+        return [self.first_start, self.wrong_password, self.second_tries_send_nothing, self.quits_on_request, self.fields_are_prefilled,
+                self.right_password, self.certificate_is_in_the_store, self.profile_is_written, self.session_is_kept,
+                self.nothing_secret_leaks, self.next_start_asks_nobody, self.closing_puts_it_behind, self.second_start_raises_the_first,
+                self.leaves_by_keyboard]
+
+    def _photograph(self, name, window=None):
+        self._taken += 1
+        self._desktop.photograph(self._pictures / f"{self._taken:02}-{name}.png", window)
+
+    def _login_window(self):
+        return LoginWindow(self._desktop, self._client.wait_for_window(LOGIN_SIZE))
+
+    def first_start(self):
+        self._client.start()
+        window = self._client.wait_for_window(LOGIN_SIZE)
+        took = self._client.age()
+        expect(window.title == "Halvane", f'the login window is titled "Halvane", not "{window.title}"')
+        login = LoginWindow(self._desktop, window)
+        wait_for("the orange button", lambda: login.button_colour() == LoginWindow.ORANGE)
+        expect(len(self._client.windows()) == 1, "there is only the login window")
+        expect(not self._company.requests(), f"nothing was sent yet, not {self._company.requests()}")
+        self._photograph("login")
+        return f'login window "Halvane", 330×400, after {took:.1f} s; nothing sent'
+
+    def wrong_password(self):
+        login = self._login_window()
+        login.replace_user_name(self._company.user_name)
+        login.replace_password(self._company.PASSWORD[:-1])
+        login.click_button()
+        wait_for("a login request", self._company.logins)
+        wait_for("the server's message in the window", login.shows_message)
+        expect(login.shows_busy(), f"the button stays grey, not {login.button_colour()}")
+        expect(self._company.sessions() == 0, "the server opened no session")
+        self._photograph("wrong-password", login.window)
+        return "one login request, no session, the server's message in red, the button grey"
+
+    def second_tries_send_nothing(self):
+        login = self._login_window()
+        login.click_button()
+        self._desktop.click(login.window, *LoginWindow.PASSWORD)
+        self._desktop.key("Return")
+        stays("still one login request", lambda: len(self._company.logins()) == 1, seconds=1.5)
+        expect(login.shows_busy() and login.shows_message(), "the view stays as it was")
+        return "a second click and Enter: still one login request"
+
+    def quits_on_request(self):
+        code = self._client.quit()
+        expect(code == 0, f"SIGTERM ends it with 0, not {code}")
+        return "SIGTERM: exit code 0"
+
+    def fields_are_prefilled(self):
+        self._client.start()
+        login = self._login_window()
+        wait_for("the password's dots", login.password_is_filled, 5.0)
+        expect(login.button_colour() == LoginWindow.ORANGE, "the button is ready again")
+        expect(len(self._company.logins()) == 1, "no login request of its own")
+        self._photograph("prefilled", login.window)
+        return "the rejected user name and password stand in the fields"
+
+    def right_password(self):
+        """Only the missing last letter is typed: the sign-in works when both fields were prefilled truly."""
+        login = self._login_window()
+        with ChildWatch(self._client.process.pid) as watch:
+            login.append_to_password(self._company.PASSWORD[-1])
+            self._desktop.key("Return")
+            clicked = time.monotonic()
+            main = self._client.wait_for_window(MAIN_SIZE)
+            took = time.monotonic() - clicked
+            expect(main.title == "Halvane", f'the main window is titled "Halvane", not "{main.title}"')
+            wait_for("the login window goes", lambda: len(self._client.windows()) == 1)
+            wait_for("a profile", self._client.profiles, 15.0)
+            wait_for("the tools to end", lambda: "find-identity" in str(watch.command_lines) and not self._children_of_client(), 25.0)
+        self._watched = watch.command_lines
+        expect([status for *_, status in self._company.logins()] == [200, 200], "one more login request")
+        expect(self._company.sessions() == 1, "the server opened one session")
+        wait_for("the user on the page", lambda: self._dark_pixels(main) > 50)
+        self._photograph("signed-in", main)
+        self._photograph("screen")
+        return f"the last letter and Enter: main window 960×640 after {took:.1f} s, login window hidden, one session on the server"
+
+    def _children_of_client(self):
+        with ChildWatch(self._client.process.pid) as watch:
+            time.sleep(0.1)
+        return watch.command_lines
+
+    def _dark_pixels(self, window):
+        return self._desktop.look(window).count(0, 0, *MAIN_SIZE, lambda r, g, b: max(r, g, b) < 90)
+
+    def certificate_is_in_the_store(self):
+        name = self._company.USER
+        listing = self._client.security("find-identity")
+        expect(name in listing, f"find-identity shows {name}: {listing}")
+        database = self._client.certificate_database()
+        shown = output_of("certutil", "-L", "-d", f"sql:{database}", env=self._desktop.env).decode()
+        trust = [line.split()[-1] for line in shown.splitlines() if line.startswith(name + " ")]
+        expect(trust and trust[0].startswith("u"), f"certutil shows {name} with its key: {shown}")
+        files = self._client.identity_files()
+        expect(len(files) == 1, f"one identity file, not {files}")
+        expect(mode_of(files[0]) == 0o600, f"the identity file is 0600, not {mode_of(files[0]):o}")
+        asked = [path for _, path, status in self._company.requests() if status == 200 and "ad_cert" in path]
+        expect(asked, "the server was asked for the certificate")
+        return f"{name} with its key in {database.relative_to(self._desktop.home)}, {files[0].name} is 0600"
+
+    def profile_is_written(self):
+        files = self._client.profiles()
+        expect(len(files) == 1, f"one profile, not {files}")
+        payload = plistlib.loads(files[0].read_bytes())["PayloadContent"][0]
+        expect(payload["PayloadContent"] == self._company.certificate(), "the profile carries the bytes that the server issued")
+        names = (payload["PayloadDisplayName"], payload["PayloadCertificateFileName"])
+        expect(names == (self._company.USER,) * 2, f"the profile carries the user's name, not {names}")
+        expect(files[0].stem == payload["PayloadIdentifier"], "the file is named by the payload's identifier")
+        expect(mode_of(files[0]) == 0o600, f"the profile is 0600, not {mode_of(files[0]):o}")
+        return f"{files[0].name} with {len(payload['PayloadContent'])} bytes of certificate and the name {self._company.USER}"
+
+    def session_is_kept(self):
+        file = self._client.session_file()
+        expect(file.exists(), f"the session file {file.name}")
+        expect(mode_of(file) == 0o600, f"the session file is 0600, not {mode_of(file):o}")
+        expect(self._company.user_name in texts_in(plistlib.loads(file.read_bytes())), "the session file holds the user")
+        preferences = self._client.preferences()
+        expect(preferences.get("HDCL_ISAUTOLOGIN") is True, f"automatic login is on: {preferences}")
+        expect(preferences.get("puid"), f"the last user is kept: {preferences}")
+        return f"{file.name} is 0600; preferences: puid {preferences['puid']}, HDCL_ISAUTOLOGIN on"
+
+    def nothing_secret_leaks(self):
+        profile = plistlib.loads(self._client.profiles()[0].read_bytes())["PayloadContent"][0]
+        session = plistlib.loads(self._client.session_file().read_bytes())
+        # A token is the only text of the session that is long and has no meaning.
+        tokens = [text for text in texts_in(session) if len(text) >= 24 and "@" not in text and "/" not in text and " " not in text]
+        expect(tokens, "the session has a token")
+        secrets = {"password": self._company.PASSWORD[:-1], "certificate password": profile["Password"], "token": tokens[0]}
+        log = self._client.log()
+        expect("<redacted>" in log, "the log has lines whose secrets are covered")
+        for what, secret in secrets.items():
+            expect(secret not in log, f"the {what} stands in the client's log")
+            expect(not [line for line in self._watched if secret in line], f"the {what} stood in an argument list")
+        expect(not self._client.open_to_others(), f"files that others can read: {self._client.open_to_others()}")
+        tools = sorted({line.split()[0].rsplit("/", 1)[-1] for line in self._watched if str(self._client.tools) in line.split()[0]})
+        return f"password, certificate password and token in no log line and in no argument list of {', '.join(tools)}"
+
+    def next_start_asks_nobody(self):
+        code = self._client.quit()
+        expect(code == 0, f"SIGTERM ends it with 0, not {code}")
+        before = len(self._company.logins())
+        self._client.start()
+        main = self._client.wait_for_window(MAIN_SIZE)
+        took = self._client.age()
+        wait_for("the login window goes", lambda: len(self._client.windows()) == 1)
+        wait_for("the user on the page", lambda: self._dark_pixels(main) > 50)
+        stays("no login request", lambda: len(self._company.logins()) == before)
+        expect(took < self._start_within, f"main window within {self._start_within:g} s, not {took:.1f}")
+        self._photograph("signed-in-again")
+        return f"main window after {took:.2f} s, no login request"
+
+    def closing_puts_it_behind(self):
+        self._processes.start("note", ["xmessage", "-geometry", "+300+300", "another window"], self._desktop.env)
+        other = wait_for("another window", lambda: next((w for w in self._desktop.windows() if "xmessage" in w.title), None))
+        main = self._client.wait_for_window(MAIN_SIZE)
+        self._desktop.activate(main)
+        self._desktop.close(main)
+        wait_for("the main window below the other one", lambda: self._desktop.stacking() == [main.identifier, other.identifier])
+        stays("the client runs on", self._client.is_running)
+        expect(self._client.windows() == [main], f"the same window, not {self._client.windows()}")
+        self._photograph("closed-is-behind")
+        return "close button: still running, its window below the other"
+
+    def second_start_raises_the_first(self):
+        main = self._client.wait_for_window(MAIN_SIZE)
+        second = self._client.start_another()
+        wait_for("the second start ends", lambda: second.poll() is not None)
+        expect(second.returncode == 0, f"the second start ends with 0, not {second.returncode}")
+        wait_for("the first one's window on top", lambda: self._desktop.stacking()[-1] == main.identifier)
+        expect(self._client.windows() == [main] and self._client.is_running(), "the first one is as it was")
+        self._photograph("raised")
+        return "a second start ends with 0 and raises the first"
+
+    def leaves_by_keyboard(self):
+        main = self._client.wait_for_window(MAIN_SIZE)
+        self._desktop.activate(main)
+        wait_for("the keyboard", lambda: self._desktop.active() == main.identifier)
+        self._desktop.key("ctrl+q")
+        wait_for("the client ends", lambda: not self._client.is_running())
+        expect(self._client.process.returncode == 0, f"Ctrl+Q ends it with 0, not {self._client.process.returncode}")
+        return "Ctrl+Q: exit code 0"
+
+
+def take(journey):
+    """Runs the steps in their order and stops at the first that fails."""
+    for number, step in enumerate(journey.steps(), 1):
+        name = step.__name__.replace("_", " ")
+        try:
+            print(f"✓ {number:2} {name}: {step()}", flush=True)
+        except Exception as problem:  # whatever it is, the other side of it is a failed step
+            print(f"✗ {number:2} {name}: {problem or type(problem).__name__}", flush=True)
+            with contextlib.suppress(Exception):
+                journey._photograph("failed")
+            return False
+    return True
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--build", type=Path, required=True, help="build directory with bin/ and toolroot/")
+    parser.add_argument("--pictures", type=Path, required=True, help="directory for the pictures, emptied first")
+    parser.add_argument("--start-within", type=float, default=2.0, metavar="SECONDS", help="longest start of a signed-in user")
+    options = parser.parse_args()
+    build, pictures = options.build.resolve(), options.pictures.resolve()
+    shutil.rmtree(pictures, ignore_errors=True)
+    pictures.mkdir(parents=True)
+
+    began = time.monotonic()
+    end_after(LONGEST)
+    processes = Processes(pictures / "logs")
+    good = False
+    with tempfile.TemporaryDirectory(prefix="halvane-journey-", ignore_cleanup_errors=True) as folder:
+        try:
+            desktop = Desktop(processes, folder)
+            desktop.start()
+            company = Company(processes, build / "bin/halvane-server", folder, desktop.env)
+            company.start()
+            good = take(Journey(processes, desktop, company, Client(processes, desktop, company, build), options))
+        except (Failed, OSError) as problem:
+            print(f"✗ {problem}")
+        finally:
+            processes.end_all()
+    if not good:
+        for name, lines in processes.tails():
+            print(f"--- {name}", *lines, sep="\n")
+    print(f"the journey took {time.monotonic() - began:.0f} s; pictures and logs: {pictures}")
+    return 0 if good else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
