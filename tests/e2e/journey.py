@@ -17,7 +17,7 @@ from pathlib import Path
 from client import LOGIN_SIZE, MAIN_SIZE, Client, LoginWindow, mode_of, texts_in
 from company import Company
 from desktop import Desktop
-from processes import ChildWatch, Failed, Processes, end_after, expect, output_of, stays, wait_for
+from processes import ChildWatch, Failed, Processes, descendants, end_after, expect, output_of, stays, wait_for
 
 LONGEST = 180
 
@@ -105,7 +105,7 @@ class Journey:
             expect(main.title == "Halvane", f'the main window is titled "Halvane", not "{main.title}"')
             wait_for("the login window goes", lambda: len(self._client.windows()) == 1)
             wait_for("a profile", self._client.profiles, 15.0)
-            wait_for("the tools to end", lambda: "find-identity" in str(watch.command_lines) and not self._children_of_client(), 25.0)
+            wait_for("the tools to end", lambda: not descendants(self._client.process.pid), 25.0)
         self._watched = watch.command_lines
         expect([status for *_, status in self._company.logins()] == [200, 200], "one more login request")
         expect(self._company.sessions() == 1, "the server opened one session")
@@ -113,11 +113,6 @@ class Journey:
         self._photograph("signed-in", main)
         self._photograph("screen")
         return f"the last letter and Enter: main window 960×640 after {took:.1f} s, login window hidden, one session on the server"
-
-    def _children_of_client(self):
-        with ChildWatch(self._client.process.pid) as watch:
-            time.sleep(0.1)
-        return watch.command_lines
 
     def _dark_pixels(self, window):
         return self._desktop.look(window).count(0, 0, *MAIN_SIZE, lambda r, g, b: max(r, g, b) < 90)
@@ -172,6 +167,7 @@ class Journey:
             expect(not [line for line in self._watched if secret in line], f"the {what} stood in an argument list")
         expect(not self._client.open_to_others(), f"files that others can read: {self._client.open_to_others()}")
         tools = sorted({line.split()[0].rsplit("/", 1)[-1] for line in self._watched if str(self._client.tools) in line.split()[0]})
+        expect("security" in tools, f"the certificate tool was seen at work, not {tools}")
         return f"password, certificate password and token in no log line and in no argument list of {', '.join(tools)}"
 
     def next_start_asks_nobody(self):
