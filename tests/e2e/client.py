@@ -13,7 +13,7 @@ MAIN_SIZE = (960, 640)
 
 class LoginWindow:
     """The login window as a person finds their way in it: by place and colour."""
-    USER_NAME, PASSWORD, BUTTON = (165, 166), (165, 222), (165, 300)
+    USER_NAME, PASSWORD, BUTTON, AUTO_LOGIN = (165, 166), (165, 222), (165, 300), (42, 348)
     ORANGE, GREY = (0xC8, 0x4B, 0x0A), (0x8A, 0x91, 0x9B)
 
     def __init__(self, desktop, window):
@@ -37,6 +37,12 @@ class LoginWindow:
 
     def click_button(self):
         self._desktop.click(self.window, *self.BUTTON)
+
+    def click_auto_login(self):
+        self._desktop.click(self.window, *self.AUTO_LOGIN)
+
+    def auto_login_is_on(self):
+        return self._desktop.look(self.window).count(34, 340, 16, 16, lambda *colour: colour == self.ORANGE) > 100
 
     def button_colour(self):
         """Left of the button's title."""

@@ -128,7 +128,7 @@ class Desktop:
         output_of(*[str(part) for part in command], env=self.env)
 
     def click(self, window, x, y):
-        self.do("xdotool", "mousemove", "--sync", "--window", window.identifier, x, y, "click", 1)
+        self.do("xdotool", "mousemove", "--window", window.identifier, x, y, "click", 1)
         wait_for("the window takes the keyboard", lambda: self.active() == window.identifier)
 
     def type(self, text):

@@ -55,6 +55,7 @@ class Journey:
         wait_for("the orange button", lambda: login.button_colour() == LoginWindow.ORANGE)
         expect(len(self._client.windows()) == 1, "there is only the login window")
         expect(not self._company.requests(), f"nothing was sent yet, not {self._company.requests()}")
+        expect(login.auto_login_is_on(), "automatic login is on at the very first start")
         self._photograph("login")
         return f'login window "Halvane", 330×400, after {took:.1f} s; nothing sent'
 
@@ -91,7 +92,12 @@ class Journey:
         expect(login.button_colour() == LoginWindow.ORANGE, "the button is ready again")
         expect(len(self._company.logins()) == 1, "no login request of its own")
         self._photograph("prefilled", login.window)
-        return "the rejected user name and password stand in the fields"
+        # A user name is stored but nobody has signed in yet: the switch shows the preference, which is not set.
+        expect(not login.auto_login_is_on(), "automatic login is off until it is chosen")
+        login.click_auto_login()
+        wait_for("automatic login on", login.auto_login_is_on)
+        expect(self._client.preferences().get("HDCL_ISAUTOLOGIN") is True, "the preference is written at once")
+        return "the rejected user name and password stand in the fields; automatic login switched on"
 
     def right_password(self):
         """Only the missing last letter is typed: the sign-in works when both fields were prefilled truly."""
@@ -106,7 +112,7 @@ class Journey:
             wait_for("the login window goes", lambda: len(self._client.windows()) == 1)
             wait_for("a profile", self._client.profiles, 15.0)
             wait_for("the tools to end", lambda: not descendants(self._client.process.pid), 25.0)
-        self._watched = watch.command_lines
+        self._watched = watch.seen
         expect([status for *_, status in self._company.logins()] == [200, 200], "one more login request")
         expect(self._company.sessions() == 1, "the server opened one session")
         wait_for("the user on the page", lambda: self._dark_pixels(main) > 50)
@@ -164,9 +170,9 @@ class Journey:
         expect("<redacted>" in log, "the log has lines whose secrets are covered")
         for what, secret in secrets.items():
             expect(secret not in log, f"the {what} stands in the client's log")
-            expect(not [line for line in self._watched if secret in line], f"the {what} stood in an argument list")
+            expect(not [line for _, line in self._watched if secret in line], f"the {what} stood in an argument list")
         expect(not self._client.open_to_others(), f"files that others can read: {self._client.open_to_others()}")
-        tools = sorted({line.split()[0].rsplit("/", 1)[-1] for line in self._watched if str(self._client.tools) in line.split()[0]})
+        tools = sorted({Path(program).name for program, _ in self._watched if program.startswith(str(self._client.tools))})
         expect("security" in tools, f"the certificate tool was seen at work, not {tools}")
         return f"password, certificate password and token in no log line and in no argument list of {', '.join(tools)}"
 
@@ -220,8 +226,10 @@ def take(journey):
     """Runs the steps in their order and stops at the first that fails."""
     for number, step in enumerate(journey.steps(), 1):
         name = step.__name__.replace("_", " ")
+        began = time.monotonic()
         try:
-            print(f"✓ {number:2} {name}: {step()}", flush=True)
+            seen = step()
+            print(f"✓ {number:2} {name} ({time.monotonic() - began:.1f} s): {seen}", flush=True)
         except Exception as problem:  # whatever it is, the other side of it is a failed step
             print(f"✗ {number:2} {name}: {problem or type(problem).__name__}", flush=True)
             with contextlib.suppress(Exception):

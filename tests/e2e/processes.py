@@ -83,10 +83,10 @@ class Processes:
 
 
 class ChildWatch:
-    """Looks again and again at which children a process has, and keeps every argument list it saw."""
+    """Looks again and again at which children a process has, and keeps every program and argument list it saw."""
 
     def __init__(self, pid):
-        self.command_lines = set()
+        self.seen = set()  # (path of the program, its arguments as one text)
         self._pid = pid
         self._stop = threading.Event()
         self._thread = threading.Thread(target=self._watch, daemon=True)
@@ -100,24 +100,31 @@ class ChildWatch:
         self._thread.join(5)
 
     def _watch(self):
-        while not self._stop.wait(0.01):
+        while not self._stop.wait(0.02):
             for pid in descendants(self._pid):
                 try:
-                    line = Path(f"/proc/{pid}/cmdline").read_bytes()
+                    program = os.readlink(f"/proc/{pid}/exe")
+                    arguments = Path(f"/proc/{pid}/cmdline").read_bytes()
                 except OSError:
                     continue  # it has just ended
-                if line:
-                    self.command_lines.add(line.replace(b"\0", b" ").decode(errors="replace").strip())
+                self.seen.add((program, arguments.replace(b"\0", b" ").decode(errors="replace").strip()))
 
 
 def descendants(pid):
-    found = []
-    try:
-        for task in os.listdir(f"/proc/{pid}/task"):
-            for child in Path(f"/proc/{pid}/task/{task}/children").read_text(encoding="ascii").split():
-                found += [int(child), *descendants(int(child))]
-    except OSError:
-        pass
+    """The children of `pid` and theirs, zombies included."""
+    children = {}
+    for entry in os.listdir("/proc"):
+        if entry.isdigit():
+            try:
+                status = Path(f"/proc/{entry}/stat").read_text(encoding="utf-8", errors="replace")
+            except OSError:
+                continue  # it has just ended
+            children.setdefault(int(status.rpartition(")")[2].split()[1]), []).append(int(entry))
+    found, unseen = [], [pid]
+    while unseen:
+        own = children.get(unseen.pop(), [])
+        found += own
+        unseen += own
     return found
 
 
