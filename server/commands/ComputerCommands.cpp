@@ -47,9 +47,9 @@ std::vector<Command> computerCommands() {
     return {
         {.name = "computer list", .synopsis = "", .summary = "Shows the computers that signed in.", .options = {}, .run = list},
         marking("lock", "locked", "Takes the computer off the network within half a minute.", Mark::Locked),
-        marking("unlock", "unlocked", "Lets it have a certificate again.", Mark::Unlocked),
+        marking("unlock", "unlocked", "Ends that; the next sign-in fetches a certificate again.", Mark::Unlocked),
         marking("lost", "lost", "Signs its user out within half a minute.", Mark::Lost),
-        marking("found", "found", "Ends that.", Mark::Found),
+        marking("found", "found", "Lets its users stay signed in again.", Mark::Found),
     };
 }
 

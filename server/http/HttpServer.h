@@ -1,6 +1,5 @@
 #pragma once
 
-#include "server/Clock.h"
 #include "server/api/Message.h"
 #include "util/Result.h"
 

@@ -3,7 +3,6 @@
 #include "server/Company.h"
 #include "server/CompanyServer.h"
 #include "server/HttpProbe.h"
-#include "support/TemporaryHome.h"
 
 #include <gtest/gtest.h>
 

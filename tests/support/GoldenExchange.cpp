@@ -1,6 +1,7 @@
 #include "support/GoldenExchange.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
