@@ -37,11 +37,17 @@ public:
             ++posted_;
         }
         changed_.notify_one();
+        arrived_.notify_all();
     }
-    /// Blocks that were ever handed in.
+    /// How many blocks were ever handed in.
     [[nodiscard]] int posted() const {
         const std::lock_guard lock(mutex_);
         return posted_;
+    }
+    /// Waits until there were `count`; false when there are fewer after thirty seconds.
+    bool awaitPosted(int count) {
+        std::unique_lock lock(mutex_);
+        return arrived_.wait_for(lock, std::chrono::seconds(30), [&] { return posted_ >= count; });
     }
 
 private:
@@ -66,6 +72,7 @@ private:
 
     mutable std::mutex mutex_;
     std::condition_variable changed_;
+    std::condition_variable arrived_;
     std::multimap<Clock::time_point, Block> blocks_;
     int posted_ = 0;
     bool stopped_ = false;

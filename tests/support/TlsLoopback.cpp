@@ -8,6 +8,7 @@
 #include <array>
 #include <csignal>
 #include <stdexcept>
+#include <sys/socket.h>
 
 namespace halvane::test {
 
@@ -101,6 +102,10 @@ LoopbackServer::ChannelMaker TlsLoopback::maker() {
         if (SSL_accept(ssl) != 1) {
             ERR_clear_error();
             SSL_free(ssl);
+            // Closing over unread bytes would reset the connection, and the alert could be lost with it.
+            ::shutdown(descriptor, SHUT_WR);
+            std::array<char, 4096> unread{};
+            while (::recv(descriptor, unread.data(), unread.size(), 0) > 0) continue;
             return nullptr;
         }
         const std::lock_guard lock(mutex_);

@@ -17,6 +17,8 @@ util::Error connectError(const FailureContext& context) {
             return urlError(UrlError::NotConnected, "This computer has no network that leads to " + context.server + ".");
         case ETIMEDOUT:
             return timedOutError(context.server);
+        case ECONNRESET:
+            return connectionLostError(context.server);
         default:
             break;
     }
@@ -82,6 +84,7 @@ util::Error errorOf(CURLcode code, const FailureContext& context) {
         case CURLE_UNSUPPORTED_PROTOCOL:  // our schemes are checked before: this is a reply without a status line
         case CURLE_WEIRD_SERVER_REPLY:
         case CURLE_WRITE_ERROR:
+        case CURLE_OUT_OF_MEMORY:  // a header line longer than libcurl's buffer for it
             return badReply(context);
         case CURLE_BAD_CONTENT_ENCODING:
             return urlError(UrlError::CannotDecode, "The compressed reply of " + context.server + " could not be decoded.");

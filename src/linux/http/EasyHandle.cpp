@@ -43,7 +43,7 @@ int transferInfo(void* events, curl_off_t /*toReceive*/, curl_off_t /*received*/
 }
 
 CURLcode tlsContext(CURL* /*handle*/, void* context, void* events) {
-    return static_cast<EasyEvents*>(events)->onTlsConnection(context) ? CURLE_OK : CURLE_OUT_OF_MEMORY;
+    return static_cast<EasyEvents*>(events)->onTlsConnection(context) ? CURLE_OK : CURLE_SSL_CONNECT_ERROR;
 }
 
 curl_socket_t openSocket(void* sockets, curlsocktype /*purpose*/, curl_sockaddr* address) {

@@ -26,11 +26,13 @@ std::string part(const UrlHandle& handle, CURLUPart which, unsigned int flags = 
     return text;
 }
 
-bool hasWebScheme(std::string_view url) {
+/// Whether it begins with a scheme of ours and the first letter of a host, which libcurl would look for further on.
+bool namesWebHost(std::string_view url) {
     constexpr std::string_view kHttp = "http://";
     constexpr std::string_view kHttps = "https://";
     const std::string start = util::lowercasedAscii(url.substr(0, kHttps.size()));
-    return start.starts_with(kHttp) || start.starts_with(kHttps);
+    const std::size_t host = start.starts_with(kHttps) ? kHttps.size() : start.starts_with(kHttp) ? kHttp.size() : 0;
+    return host != 0 && host < url.size() && std::string_view("/?#:@").find(url[host]) == std::string_view::npos;
 }
 
 bool isHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
@@ -43,7 +45,7 @@ bool mayStandInUrl(char c) {
 }  // namespace
 
 bool isSendableUrl(std::string_view url) {
-    if (!hasWebScheme(url) || !std::ranges::all_of(url, mayStandInUrl)) return false;
+    if (!namesWebHost(url) || !std::ranges::all_of(url, mayStandInUrl)) return false;
     for (auto at = url.find('%'); at != std::string_view::npos; at = url.find('%', at + 1)) {
         if (at + 2 >= url.size() || !isHexDigit(url[at + 1]) || !isHexDigit(url[at + 2])) return false;
     }

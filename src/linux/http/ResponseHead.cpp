@@ -8,7 +8,7 @@ namespace halvane::linux_http {
 
 namespace {
 
-constexpr std::size_t kLargestHead = 1024UL * 1024UL;
+constexpr std::size_t kLargestHead = 256UL * 1024UL;
 
 std::string_view trimmedView(std::string_view text) {
     constexpr std::string_view kSpace = " \t\r\n";

@@ -29,10 +29,10 @@ public:
         events_.push_back(std::move(event));
         changed_.notify_all();
     }
-    /// False when there are still fewer than `count` after ten seconds.
+    /// False when there are still fewer than `count` after thirty seconds.
     bool await(std::size_t count) {
         std::unique_lock lock(mutex_);
-        return changed_.wait_for(lock, std::chrono::seconds(10), [&] { return events_.size() >= count; });
+        return changed_.wait_for(lock, std::chrono::seconds(30), [&] { return events_.size() >= count; });
     }
     [[nodiscard]] std::vector<std::string> events() const {
         const std::lock_guard lock(mutex_);
@@ -45,7 +45,7 @@ private:
     std::vector<std::string> events_;
 };
 
-/// A door that the test opens; what waits at it gives up after ten seconds.
+/// A door that the test opens; what waits at it gives up after thirty seconds.
 class Gate {
 public:
     void open() {
@@ -55,7 +55,7 @@ public:
     }
     bool pass() {
         std::unique_lock lock(mutex_);
-        return changed_.wait_for(lock, std::chrono::seconds(10), [this] { return open_; });
+        return changed_.wait_for(lock, std::chrono::seconds(30), [this] { return open_; });
     }
 
 private:
@@ -68,6 +68,12 @@ class HttpFixture : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         for (const char* name : {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) ::unsetenv(name);
+    }
+
+    /// Nothing of a session may run when the members of a test begin to go.
+    void TearDown() override {
+        session.reset();
+        queue.reset();
     }
 
     platform::HttpSession& makeSession(platform::HttpTlsPolicy tls = {}, int limit = 6) {
@@ -99,7 +105,7 @@ protected:
 
     template <typename Result>
     static Result awaited(std::future<Result>& ended) {
-        if (ended.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
+        if (ended.wait_for(std::chrono::seconds(60)) != std::future_status::ready) {
             ADD_FAILURE() << "the task does not end";
             return {};
         }
