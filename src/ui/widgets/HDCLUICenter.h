@@ -45,7 +45,7 @@ public:
     static constexpr qreal disabledOpacity = 0.45;  ///< of images
 
     /// Sizes of type in pixels.
-    enum class Type { Heading = 24, Title = 20, RowTitle = 17, Body = 15, Caption = 13, Dots = 11 };
+    enum class Type { Heading = 24, Title = 20, RowTitle = 17, Body = 15, Caption = 13, Dots = 10 };
     [[nodiscard]] static QFont font(Type type, QFont::Weight weight = QFont::Normal);
 
     /// Once, before the first window: style, palette and the font of texts that choose none.

@@ -36,7 +36,7 @@ void IconTextField::updateFont() {
     // The dots of a password fill the width of a Chinese character, and would touch in the size of the rest.
     const bool dots = echoMode() == QLineEdit::Password && !text().isEmpty();
     QFont font = HDCLUICenter::font(dots ? HDCLUICenter::Type::Dots : HDCLUICenter::Type::Body);
-    if (dots) font.setLetterSpacing(QFont::AbsoluteSpacing, 1);
+    if (dots) font.setLetterSpacing(QFont::AbsoluteSpacing, 2);
     setFont(font);
 }
 
