@@ -3,12 +3,12 @@
 #include "linux/Descriptor.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <spawn.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <optional>
 #include <string_view>
 #include <utility>

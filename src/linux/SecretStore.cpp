@@ -2,8 +2,6 @@
 
 #include "linux/SessionBus.h"
 
-#include <libsecret/secret.h>
-
 #include <algorithm>
 #include <utility>
 

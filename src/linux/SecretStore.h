@@ -3,12 +3,9 @@
 #include "linux/GioCalls.h"
 #include "platform/Keychain.h"
 
-#include <optional>
-#include <vector>
+#include <libsecret/secret.h>
 
-typedef struct _SecretService SecretService;
-typedef struct _SecretItem SecretItem;
-typedef struct _SecretCollection SecretCollection;
+#include <vector>
 
 namespace halvane::linux {
 

@@ -1,7 +1,9 @@
+// The place in the source would always be this file.
+#define SD_JOURNAL_SUPPRESS_LOCATION
+
 #include "linux/SystemLog.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <syslog.h>
@@ -11,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
@@ -142,7 +145,7 @@ void SystemLog::write(std::string_view line) noexcept {
         if (hasJournal_) {
             writeToJournal(printable(line, LineFeeds::Keep));
         } else {
-            ::syslog(LOG_USER | LOG_INFO, "%s: %s", kIdentifier, oneLine.c_str());
+            ::syslog(LOG_USER | LOG_INFO, "%s", oneLine.c_str());
         }
     } catch (...) {
         // Out of memory: the line is lost, the program is not.

@@ -22,13 +22,13 @@ struct ProcessRequest {
 /// input are inherited; no other descriptor is. Any thread.
 class ProcessLauncher {
 public:
-    /// `exitStatus`: the program's exit code, or 128 + signal.
+    /// `exitStatus`: the program's exit code, or 128 + signal; -1 when somebody else collected it.
     using Termination = std::function<void(int exitStatus)>;
 
     virtual ~ProcessLauncher() = default;
 
     /// Runs the program and answers all bytes of its standard output, up to end of file. Blocks. Does
-    /// not look at the exit status. Errors: the program could not be started.
+    /// not look at the exit status. Errors: the program could not be started, or wrote without end.
     virtual util::Result<util::Bytes> readOutput(const ProcessRequest& request) = 0;
 
     /// Starts the program and returns at once; its output goes where this program's own goes.

@@ -4,12 +4,12 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <fstream>
 #include <map>
 #include <memory>
