@@ -24,13 +24,13 @@ std::string pageSize() { return std::to_string(::sysconf(_SC_PAGESIZE)); }
 
 /// Bytes in the memory blocks that are on; 0 where the kernel has none.
 std::uint64_t onlineMemory(const SystemFiles& files) {
-    const std::string directory = kMemoryBlocks;
-    const auto size = files.line(directory + "/block_size_bytes");
+    const std::filesystem::path directory = kMemoryBlocks;
+    const auto size = files.line(directory / "block_size_bytes");
     const auto bytes = size ? wholeNumber(*size, 16) : std::nullopt;
     if (!bytes) return 0;
     std::uint64_t blocks = 0;
     for (const auto& name : files.names(directory)) {
-        if (name.starts_with("memory") && files.line(directory + "/" + name + "/state") == "online") ++blocks;
+        if (name.starts_with("memory") && files.line(directory / name / "state") == "online") ++blocks;
     }
     return blocks * *bytes;
 }

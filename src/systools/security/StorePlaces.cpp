@@ -33,7 +33,7 @@ util::Result<StorePlaces> StorePlaces::find(const Variable& variable, const std:
     places.identities = *data / "halvane/identities";
     places.databases.push_back(*data / "pki/nssdb");
     if (home) places.databases.push_back(*home / ".pki/nssdb");
-    std::ranges::stable_partition(places.databases, NssDatabase::exists);
+    std::stable_partition(places.databases.begin(), places.databases.end(), NssDatabase::exists);
     return places;
 }
 
