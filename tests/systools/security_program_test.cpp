@@ -283,20 +283,21 @@ TEST_F(SecurityProgram, import_that_was_killed_anywhere_is_repaired_by_the_next)
     const auto older = forge_.make({.keyLabel = "old"});
     const auto newer = forge_.make({.keyLabel = "new"});
     const auto path = download(newer, "newer.p12");
-    bool killed = false;
-    bool ended = false;
-    for (int milliseconds = 0; milliseconds < 1000 && !ended; milliseconds += 15) {
-        ASSERT_EQ(import(older).exitCode, 0) << "after a kill at " << milliseconds;
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_EQ(import(older).exitCode, 0);
+    const auto whole = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+    constexpr int kSteps = 10;
+    int killed = 0;
+    for (int step = 0; step < kSteps; ++step) {
+        ASSERT_EQ(import(older).exitCode, 0) << step;
         test::ChildProgram program(test::inToolRoot("usr/bin/security"), {"import", path, "-P", "pw"});
-        const auto result = program.waitFor(std::chrono::milliseconds(milliseconds));
-        killed = killed || result.exitCode == 128 + SIGKILL;
-        ended = result.exitCode == 0;
+        killed += program.waitFor(whole * step / kSteps).exitCode == 128 + SIGKILL ? 1 : 0;
         const auto next = import(newer);
-        ASSERT_EQ(next.exitCode, 0) << milliseconds << ": " << next.err;
-        EXPECT_EQ(listing(), line(1, newer) + "     1 identities found\n") << milliseconds;
-        EXPECT_EQ(snapshot().files, (std::map<std::string, util::Bytes>{{"chen.xiao.p12", newer}})) << milliseconds;
+        ASSERT_EQ(next.exitCode, 0) << step << ": " << next.err;
+        EXPECT_EQ(listing(), line(1, newer) + "     1 identities found\n") << step;
+        EXPECT_EQ(snapshot().files, (std::map<std::string, util::Bytes>{{"chen.xiao.p12", newer}})) << step;
     }
-    EXPECT_TRUE(killed && ended) << "the sweep never met both";
+    EXPECT_GT(killed, 0) << "every program was faster than its killer";
 }
 
 }  // namespace
