@@ -29,7 +29,7 @@ struct Pkcs12Forge::State {
     openssl::KeyPointer authorityKey;
     openssl::X509Pointer authority;
     std::map<std::pair<std::string, Key>, openssl::KeyPointer> keys;
-    long lastSerial = 1000;
+    long made = 0;
 };
 
 namespace {
@@ -95,8 +95,9 @@ Pkcs12Forge::Pkcs12Forge() : state_(std::make_unique<State>()) {
 Pkcs12Forge::~Pkcs12Forge() = default;
 
 util::Bytes Pkcs12Forge::make(const Recipe& recipe) {
-    const long serial = recipe.serial != 0 ? recipe.serial : ++state_->lastSerial;
-    const std::string label = recipe.keyLabel.empty() ? "#" + std::to_string(serial) : recipe.keyLabel;
+    const long made = ++state_->made;
+    const long serial = recipe.serial != 0 ? recipe.serial : 1000 + made;
+    const std::string label = recipe.keyLabel.empty() ? "#" + std::to_string(made) : recipe.keyLabel;
     auto& key = state_->keys[{label, recipe.key}];
     if (!key) key = makeKey(recipe.key);
     const auto certificate = makeCertificate(key.get(), recipe, serial, state_->authority.get(), state_->authorityKey.get());
