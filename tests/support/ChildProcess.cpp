@@ -35,6 +35,8 @@ std::vector<std::string> environmentWith(const std::vector<std::pair<std::string
 
 ChildProcess::ChildProcess(std::vector<std::string> arguments, std::vector<std::pair<std::string, std::string>> environment,
                            const std::string& input) {
+    // Should the test crash, its programs end with it.
+    arguments.insert(arguments.begin(), {"setpriv", "--pdeathsig", "KILL", "--"});
     int in[2];
     int out[2];
     if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");

@@ -8,9 +8,9 @@
 
 namespace halvane::test {
 
-/// A program that the test starts, found by PATH, and that ends with this object. It gets `input`
-/// whole as its standard input (a few lines: it must fit into a pipe), and the test's own
-/// environment with `environment` added.
+/// A program that the test starts, found by PATH. It ends with this object, and with the thread that
+/// made it, however that ends. It gets `input` whole as its standard input (a few lines: it must fit
+/// into a pipe), and the test's own environment with `environment` added.
 class ChildProcess {
 public:
     explicit ChildProcess(std::vector<std::string> arguments, std::vector<std::pair<std::string, std::string>> environment = {},
