@@ -13,17 +13,17 @@ namespace halvane::session {
 struct HDCLUserModel {
     std::optional<std::string> department_name;
     std::optional<std::string> email;
-    std::optional<std::string> header_img;   ///< address of the avatar
-    std::optional<std::string> numId;        ///< numeric user id as text
-    std::optional<std::string> job_number;   ///< employee number; names the session file
+    std::optional<std::string> header_img;  ///< address of the avatar
+    std::optional<std::string> numId;       ///< numeric user id as text
+    std::optional<std::string> job_number;  ///< employee number; names the session file
     std::optional<std::string> nick_name;
     std::optional<std::string> role_id;
     std::optional<std::string> role_name;
     std::optional<std::string> status;
-    std::optional<std::string> token;        ///< present, even when empty: signed in
-    std::optional<std::string> user_name;    ///< login name, in the form of a mail address
-    std::optional<std::string> work_address; ///< "value" of the chosen workplace
-    std::optional<std::string> ad_cert_name; ///< name of the user's directory certificate
+    std::optional<std::string> token;         ///< present, even when empty: signed in
+    std::optional<std::string> user_name;     ///< login name, in the form of a mail address
+    std::optional<std::string> work_address;  ///< "value" of the chosen workplace
+    std::optional<std::string> ad_cert_name;  ///< name of the user's directory certificate
 
     /// Each field from the key of exactly its name; numbers become decimal text; what is neither
     /// text nor number is absent.

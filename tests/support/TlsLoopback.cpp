@@ -5,10 +5,10 @@
 #include <openssl/ssl.h>
 
 #include <pthread.h>
+#include <sys/socket.h>
 #include <array>
 #include <csignal>
 #include <stdexcept>
-#include <sys/socket.h>
 
 namespace halvane::test {
 
