@@ -1,7 +1,7 @@
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 find_package(OpenSSL 3 REQUIRED)
-find_package(CURL 7.80 REQUIRED)
+find_package(CURL 7.87 REQUIRED)
 find_package(fmt REQUIRED)
 pkg_check_modules(JSON REQUIRED IMPORTED_TARGET nlohmann_json)
 find_package(SQLite3 REQUIRED)

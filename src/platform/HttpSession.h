@@ -54,7 +54,8 @@ public:
     [[nodiscard]] virtual unsigned long taskIdentifier() const = 0;
     /// Starts it; a second call does nothing. Above the session's limit it waits its turn, in order.
     virtual void resume() = 0;
-    /// Ends it with Cancelled, whether it runs, waits or was never resumed; nothing after completion.
+    /// Ends it with Cancelled, whether it runs, waits or was never resumed, or has ended without its completion having
+    /// begun (a download whose file stands keeps its success). Nothing after completion.
     virtual void cancel() = 0;
     /// What the caller ties to the task. Set before `resume`, not changed after.
     std::any context;
@@ -62,7 +63,7 @@ public:
 
 /// A pool of connections with a limit on tasks that run at once. Tasks are made suspended. Any thread
 /// may call; it may be called, and destroyed, inside a callback. Destroying cancels all tasks, and their
-/// completions still arrive.
+/// completions still arrive; it waits for a callback that the network thread may be in, unless it is that callback.
 class HttpSession {
 public:
     virtual ~HttpSession() = default;

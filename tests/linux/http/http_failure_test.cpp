@@ -251,11 +251,11 @@ TEST_F(HttpFailure, a_connection_that_does_not_come_about_times_out) {
 }
 
 TEST_F(HttpFailure, bytes_that_move_keep_a_slow_transfer_alive) {
-    // Each exchange takes longer than its idle time, in header and body alike.
+    // Each exchange takes longer than its idle time, and so does a single line of the header.
     constexpr auto kIdleTime = 1500ms;
     LoopbackServer trickling([](LoopbackConnection& connection) {
         connection.readRequest();
-        connection.trickle(okReply("slow"), 50ms);
+        connection.trickle(okReply("slow", "X-Long: " + std::string(60, 'x') + "\r\n"), 40ms);
     });
     constexpr std::size_t kUpload = 20'000'000;
     LoopbackServer sipping([](LoopbackConnection& connection) {
