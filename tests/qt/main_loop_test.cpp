@@ -164,6 +164,36 @@ TEST(QtMainLoopTest, time_spent_before_the_loop_runs_counts_as_waited) {
     EXPECT_TRUE(QTest::qWaitFor([&later] { return later; }, 5000));
 }
 
+TEST(QtMainLoopTest, event_loop_inside_a_block_runs_the_blocks_behind_it) {
+    qt::QtMainLoop loop;
+    std::vector<std::string> events;
+    loop.async([&] {
+        EXPECT_TRUE(QTest::qWaitFor([&events] { return events.size() == 2; }, 5000));
+        events.push_back("outer");
+    });
+    loop.async([&] { events.push_back("second"); });
+    loop.async([&] { events.push_back("third"); });
+    EXPECT_TRUE(QTest::qWaitFor([&events] { return events.size() == 3; }, 5000));
+    EXPECT_EQ(events, (std::vector<std::string>{"second", "third", "outer"}));
+    loop.async([&] { events.push_back("afterwards"); });
+    EXPECT_TRUE(QTest::qWaitFor([&events] { return events.size() == 4; }, 5000));
+}
+
+TEST(QtMainLoopTest, block_may_destroy_the_loop_and_nothing_of_it_runs_then) {
+    auto loop = std::make_unique<qt::QtMainLoop>();
+    std::vector<std::string> events;
+    loop->after(std::chrono::milliseconds(1), [&] { events.push_back("delayed"); });
+    loop->async([&] {
+        loop.reset();
+        events.push_back("destroyed");
+    });
+    loop->async([&] { events.push_back("behind"); });
+    bool passed = false;
+    QTimer::singleShot(20, Qt::PreciseTimer, [&passed] { passed = true; });
+    EXPECT_TRUE(QTest::qWaitFor([&passed] { return passed; }, 5000));
+    EXPECT_EQ(events, std::vector<std::string>{"destroyed"});
+}
+
 TEST(QtMainLoopTest, timers_fall_silent_with_their_loop) {
     auto loop = std::make_unique<qt::QtMainLoop>();
     int turns = 0;
