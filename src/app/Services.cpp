@@ -64,7 +64,8 @@ struct Services::Parts {
     linux::UnavailableUpdater updater{log};
     std::unique_ptr<linux::PosixProcessLauncher> launcher;
     linux::NetworkManagerReachability reachability;
-    linux::UnixSingleInstance singleInstance{directories.temporary(), *mainLoop, log};
+    std::unique_ptr<linux::UnixSingleInstance> singleInstance =
+        std::make_unique<linux::UnixSingleInstance>(directories.temporary(), *mainLoop, log);
     std::unique_ptr<linux::AsioDispatchQueues> queues = std::make_unique<linux::AsioDispatchQueues>();
     std::shared_ptr<platform::DispatchQueue> credentialQueue = queues->makeSerial("com.halvane.credentials");
     std::shared_ptr<platform::DispatchQueue> toolQueue = queues->makeSerial("com.halvane.tools");
@@ -95,6 +96,8 @@ Services::Services(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {
 }
 
 Services::~Services() {
+    // From now on nobody would follow a later start's wish: it must find no running client.
+    parts_->singleInstance.reset();
     // A password that was typed a moment ago is still on its way to the store.
     constexpr std::chrono::seconds kStoring{2};
     const auto stored = std::make_shared<std::promise<void>>();
@@ -109,7 +112,7 @@ Services::~Services() {
 }
 
 platform::Reachability& Services::reachability() { return parts_->reachability; }
-platform::SingleInstance& Services::singleInstance() { return parts_->singleInstance; }
+platform::SingleInstance& Services::singleInstance() { return *parts_->singleInstance; }
 platform::Updater& Services::updater() { return parts_->updater; }
 util::NotificationCenter& Services::notifications() { return parts_->notifications; }
 util::Log& Services::log() { return parts_->log; }

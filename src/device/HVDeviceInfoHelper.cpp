@@ -102,7 +102,7 @@ std::optional<std::string> HVDeviceInfoHelper::getCPUInfo() const {
 }
 
 std::string HVDeviceInfoHelper::getMemorySize() const {
-    const util::Value output(runCommandWithLaunchPath(kSysctl, {"-n", "hw.memsize"}));
+    const util::Value output(runCommandWithLaunchPath(kSysctl, {"-n", "hw.memsize"}).value_or(""));
     return fmt::format("{}GB", util::integerOf(&output) / 1073741824);
 }
 
@@ -148,12 +148,15 @@ util::Dictionary HVDeviceInfoHelper::getDiskInfo() const {
 util::StyledText HVDeviceInfoHelper::getSPHardwareInfo() const {
     const auto hostName = getLocalHostName();
     const std::string system = fmt::format("{}  {}", util::printed(getSystemProductName()), util::printed(getSystemVersion()));
+    const auto processor = getCPUInfo();
+    const std::string memory = getMemorySize();
     const util::Dictionary disk = getDiskInfo();
+    const auto serialNumber = getSerialNumber();
     util::StyledText summary;
     summary.text =
-        fmt::format("{}\n{}\n处理器：{}\n内存：{}\n硬盘：{}GB\n序列号：{}GB", util::printed(hostName), system, util::printed(getCPUInfo()),
-                    getMemorySize(), util::printed(util::textOf(disk.find(kDiskTotleSize))), util::printed(getSerialNumber()));
-    summary.styleFirst(hostName.value_or(""), {.fontName = "Helvetica-Bold", .fontSize = 19});
+        fmt::format("{}\n{}\n处理器：{}\n内存：{}\n硬盘：{}GB\n序列号：{}GB", util::printed(hostName), system, util::printed(processor),
+                    memory, util::printed(util::textOf(disk.find(kDiskTotleSize))), util::printed(serialNumber));
+    summary.styleFirst(util::printed(hostName), {.fontName = "Helvetica-Bold", .fontSize = 19});
     summary.styleFirst(system, {.fontName = "Helvetica-Bold", .fontSize = 13, .lineSpacing = 6});
     return summary;
 }

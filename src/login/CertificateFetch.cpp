@@ -27,24 +27,26 @@ void CertificateFetch::requestCertificateWithUserName(const std::string& userNam
     if (!to_.user.isShouldUpdateCertificate()) return;
     to_.requests.getP12CertificateInfoWithUserName(
         userName, passWord,
-        [this, userName](const util::Value& response) {
+        [to = to_, userName](const util::Value& response) {
             const util::Value* data = util::member(&response, "data");
             const bool hasData = data != nullptr && data->dictionary() != nullptr && !data->dictionary()->empty();
             if (util::integerOf(util::member(&response, "code")) != kOk || !hasData) return;
-            downloadP12WithUrl(util::textOf(util::member(data, "download_url")).value_or(""),
+            downloadP12WithUrl(to, util::textOf(util::member(data, "download_url")).value_or(""),
                                util::textOf(util::member(data, "ad_cert_password")), userName);
         },
-        nullptr);
+        [&log = to_.log](const std::optional<util::Error>& error) {
+            if (error) log.write("no certificate information: " + error->description);
+        });
 }
 
-void CertificateFetch::downloadP12WithUrl(const std::string& url, const std::optional<std::string>& password,
+void CertificateFetch::downloadP12WithUrl(const Collaborators& to, const std::string& url, const std::optional<std::string>& password,
                                           const std::string& certificateFileName) {
-    to_.requests.downloadP12CertificateWithUrl(
-        url, [&log = to_.log](const platform::HttpProgress&) { log.write("下载证书中..."); },
-        [to = to_, password, certificateFileName](const std::string& fileUrl) {
+    to.requests.downloadP12CertificateWithUrl(
+        url, [&log = to.log](const platform::HttpProgress&) { log.write("下载证书中..."); },
+        [to, password, certificateFileName](const std::string& fileUrl) {
             to.toolQueue.async([to, fileUrl, password, certificateFileName] { install(to, fileUrl, password, certificateFileName); });
         },
-        [&log = to_.log](const std::optional<util::Error>& error) {
+        [&log = to.log](const std::optional<util::Error>& error) {
             if (error) log.write(fmt::format("出错了 code = {} description = {}", error->code, error->description));
         });
 }

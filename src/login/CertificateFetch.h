@@ -31,7 +31,7 @@ namespace halvane::login {
 /// Fetches the user's personal certificate and installs it: certificate information, download, import
 /// into the certificate store, network profile. Goes on in the background of a login; failures are
 /// logged, never shown. Main thread; the import and the profile are made on `toolQueue`, because the
-/// tools may make their caller wait. The collaborators must outlive what waits on that queue.
+/// tools may make their caller wait. The collaborators must outlive replies and what waits on that queue; this object need not.
 class CertificateFetch {
 public:
     struct Collaborators {
@@ -50,7 +50,8 @@ public:
     void requestCertificateWithUserName(const std::string& userName, const std::string& passWord);
 
 private:
-    void downloadP12WithUrl(const std::string& url, const std::optional<std::string>& password, const std::string& certificateFileName);
+    static void downloadP12WithUrl(const Collaborators& to, const std::string& url, const std::optional<std::string>& password,
+                                   const std::string& certificateFileName);
     static void install(const Collaborators& to, const std::string& fileUrl, const std::optional<std::string>& password,
                         const std::string& certificateFileName);
 

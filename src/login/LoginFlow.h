@@ -41,7 +41,8 @@ class CertificateFetch;
 /// Main thread. Owned by its view, which outlives it; what arrives after it was destroyed is dropped.
 /// The secret store and the system's tools may make their caller wait, so they are asked on queues:
 /// credentials are read and written on `credentialQueue`, one after the other, and facts and the
-/// certificate listing are gathered on `toolQueue`.
+/// certificate listing are gathered on `toolQueue`. Main loop, device and key chain must outlive what
+/// waits on those queues.
 class LoginFlow final : public LoginActions {
 public:
     /// What differs from company to company.

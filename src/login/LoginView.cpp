@@ -106,9 +106,13 @@ std::string LoginView::text(Field field) const { return fieldOf(field).text().to
 void LoginView::setText(Field field, const std::string& text) {
     fieldOf(field).setText(QString::fromStdString(text));
     fieldOf(field).placeCursor();
+    setTexts_[static_cast<std::size_t>(field)] = fieldOf(field).text();
 }
 
-bool LoginView::isTyped(Field field) const { return fieldOf(field).isModified(); }
+bool LoginView::isTyped(Field field) const {
+    // What assistive tools enter does not count as modified to the field.
+    return fieldOf(field).isModified() || fieldOf(field).text() != setTexts_[static_cast<std::size_t>(field)];
+}
 
 bool LoginView::autoLoginState() const { return autoLogin->isChecked(); }
 

@@ -5,6 +5,7 @@
 #include "ui/widgets/ContentView.h"
 #include "ui/widgets/HDCLBaseWindow.h"
 
+#include <array>
 #include <functional>
 #include <memory>
 
@@ -65,6 +66,7 @@ private:
 
     MakeMainWindow makeMainWindow_;
     std::unique_ptr<ui::HDCLBaseWindow> MainW_;
+    std::array<QString, 2> setTexts_;  ///< what each field was last set to
     bool isAutoLoginToggled_ = false;
     bool isSettingState_ = false;  ///< while the switch moves without the person
     std::unique_ptr<LoginActions> actions_;

@@ -104,7 +104,10 @@ HttpHeaders::HttpHeaders(std::initializer_list<Field> fields) {
 }
 
 void HttpHeaders::set(const std::string& name, std::string value) {
-    if (breaksLine(name) || breaksLine(value)) return;
+    if (breaksLine(name) || breaksLine(value)) {
+        remove(name);
+        return;
+    }
     const auto existing = std::ranges::find_if(fields_, [&](const Field& field) { return sameName(field.first, name); });
     if (existing == fields_.end()) {
         fields_.emplace_back(name, std::move(value));

@@ -33,7 +33,7 @@ public:
 
     /// Starts the program and returns at once; its output goes where this program's own goes.
     /// `onTermination` is called exactly once, on a thread of the launcher, when it has ended; never
-    /// when starting failed.
+    /// when starting failed. It may block, and other terminations then wait for it.
     virtual util::Result<void> launch(const ProcessRequest& request, Termination onTermination) = 0;
 };
 

@@ -19,6 +19,14 @@ namespace {
 /// How a parameter stands inside an address.
 std::string inAddress(const util::Value& value) { return util::printed(util::textOf(&value)); }
 
+/// Absent values travel as empty texts: the server knows no null.
+std::optional<util::Dictionary> withoutNulls(const std::optional<util::Dictionary>& params) {
+    if (!params) return params;
+    util::Dictionary filled;
+    for (const auto& [key, value] : *params) filled.set(key, value.isNull() ? util::Value("") : value);
+    return filled;
+}
+
 bool hasParameters(const std::optional<std::string>& url, const std::optional<util::Dictionary>& params) {
     return url && params && !params->empty();
 }
@@ -29,9 +37,8 @@ APIClient::APIClient(Collaborators collaborators) : collaborators_(std::move(col
 
 APIClient::~APIClient() {
     *alive_ = false;
-    for (const auto& weak : downloads_) {
-        if (const auto session = weak.lock()) session->invalidateCancelingTasks();
-    }
+    // Sessions cancel what they still do. Their completions find nobody; they may run within this call.
+    std::exchange(downloads_, {}).clear();
 }
 
 APIClient& APIClient::sharedInstance() { return util::SharedInstance<APIClient>::get(); }
@@ -78,13 +85,13 @@ void APIClient::requestURL(const std::string& url, int httpMethod, const std::op
             session.send("GET", url, std::nullopt, std::move(completion));
             break;
         case 1:
-            session.send("POST", url, params, std::move(completion));
+            session.send("POST", url, withoutNulls(params), std::move(completion));
             break;
         case 2:
             session.send("DELETE", url, std::nullopt, std::move(completion));
             break;
         case 3:
-            session.send("PUT", url, params, std::move(completion));
+            session.send("PUT", url, withoutNulls(params), std::move(completion));
             break;
         case 4:
             session.send("GET", *pathGet(url, params), std::nullopt, std::move(completion));
@@ -116,8 +123,11 @@ std::optional<std::string> APIClient::queryGet(const std::optional<std::string>&
 }
 
 void APIClient::handleSuccessRequest(const util::Value& response, const Response& callback) {
+    if (!callback) return;
     if (const auto hook = delegate.lock()) {
-        hook->handleSuccessRequest(response, [callback](const util::Value& object) { callback(kSuccess, object, std::nullopt); });
+        hook->handleSuccessRequest(response, [alive = alive_, once = std::make_shared<bool>(false), callback](const util::Value& object) {
+            if (*alive && !std::exchange(*once, true)) callback(kSuccess, object, std::nullopt);
+        });
     } else {
         callback(kSuccess, response, std::nullopt);
     }
@@ -128,7 +138,6 @@ void APIClient::cancelAllRequest() {
 }
 
 void APIClient::downloadURL(const std::string& url, Progress progress, Destination destination, Failure failure) {
-    auto session = collaborators_.transport.makeSession({.resultQueue = collaborators_.mainQueue});
     platform::HttpDownloadHandlers handlers;
     handlers.onProgress = [alive = alive_, progress = std::move(progress)](const platform::HttpProgress& update) {
         if (*alive && progress) progress(update);
@@ -136,12 +145,14 @@ void APIClient::downloadURL(const std::string& url, Progress progress, Destinati
     handlers.destination = [caches = collaborators_.directories.caches()](const platform::HttpResponse& response) {
         return caches / response.suggestedFileName();
     };
-    std::erase_if(downloads_, [](const auto& ended) { return ended.expired(); });
-    downloads_.push_back(session);
     // The session lives as long as its one task.
-    handlers.onCompletion = [session, alive = alive_, destination = std::move(destination),
+    const auto session = collaborators_.transport.makeSession({.resultQueue = collaborators_.mainQueue});
+    const auto number = nextDownload_++;
+    downloads_.emplace(number, session);
+    handlers.onCompletion = [this, number, alive = alive_, destination = std::move(destination),
                              failure = std::move(failure)](const platform::HttpDownloadResult& result) {
         if (!*alive) return;
+        const auto ended = downloads_.extract(number);
         if (result.error && failure) failure(*result.error);
         if (result.file && destination) destination("file://" + result.file->string());
     };
@@ -150,6 +161,7 @@ void APIClient::downloadURL(const std::string& url, Progress progress, Destinati
 
 void APIClient::networkReachableWithBlock(std::function<void(bool)> block) {
     collaborators_.reachability.setHandler([block = std::move(block)](platform::ReachabilityStatus status) {
+        if (!block) return;
         switch (status) {
             case platform::ReachabilityStatus::WideAreaNetwork:
             case platform::ReachabilityStatus::Wifi:

@@ -4,10 +4,10 @@
 #include "util/Value.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace halvane::platform {
 class Directories;
@@ -103,7 +103,8 @@ private:
 
     Collaborators collaborators_;
     std::unique_ptr<http::SessionManager> manager_;  // made by the first request
-    std::vector<std::weak_ptr<platform::HttpSession>> downloads_;
+    std::map<unsigned long, std::shared_ptr<platform::HttpSession>> downloads_;
+    unsigned long nextDownload_ = 0;
     std::shared_ptr<bool> alive_;  // false once destroyed: replies in flight find nobody
 };
 

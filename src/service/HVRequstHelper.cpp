@@ -21,7 +21,7 @@ void HVRequstHelper::send(const std::string& url, int httpMethod, const std::opt
                        [success = std::move(success), failure = std::move(failure)](int code, const std::optional<util::Value>& object,
                                                                                     const std::optional<util::Error>& error) {
                            if (code == APIClient::kSuccess) {
-                               if (success) success(object.value_or(util::Value()));
+                               if (success) success(object ? *object : util::Value());
                            } else if (failure) {
                                failure(error);
                            }

@@ -26,12 +26,10 @@ std::optional<util::Value> KTKeyChain::loadInfo(const std::string& service) {
     const auto found = keychain_.copyMatching(getKeyChainInfo(service));
     if (!found || !*found) return std::nullopt;
     const auto record = util::KeyedArchive::decode(kArchiveClass, **found);
-    if (!record) {
-        log_.write("Unarchive of " + service + " failed: " + record.error().description);
-        return std::nullopt;
-    }
-    const util::Value* root = record->find(kRootKey);
-    return root == nullptr ? std::nullopt : std::optional(*root);
+    const util::Value* root = record ? record->find(kRootKey) : nullptr;
+    if (root != nullptr) return *root;
+    log_.write("Unarchive of " + service + " failed: " + (record ? "an archive without a record" : record.error().description));
+    return std::nullopt;
 }
 
 void KTKeyChain::delInfo(const std::string& service) { (void)keychain_.remove(getKeyChainInfo(service)); }

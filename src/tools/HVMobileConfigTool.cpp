@@ -69,7 +69,7 @@ std::string HVMobileConfigTool::configFilePathWithTemplateFilePath(const std::st
 void HVMobileConfigTool::installMobileConfigFileWithFilePath(const std::string& path) const {
     const auto launched = collaborators_.launcher.launch(
         {.launchPath = kProfiles, .arguments = {"install", "-path", path}},
-        [&device = collaborators_.device](int /*exitStatus*/) { device.switchToNewWifiName(kCompanyNetwork); });
+        [device = collaborators_.device](int /*exitStatus*/) { device.switchToNewWifiName(kCompanyNetwork); });
     if (!launched) collaborators_.log.write(launched.error().description);
 }
 

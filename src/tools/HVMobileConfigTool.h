@@ -21,7 +21,7 @@ class Log;
 namespace halvane::tools {
 
 /// Builds the user's network profile from the shipped template and installs it. Any thread; the
-/// builder works synchronously on the caller's. The object must outlive the installation it started.
+/// builder works synchronously on the caller's. An installation that was started goes on without it.
 class HVMobileConfigTool {
 public:
     struct Collaborators {

@@ -2,6 +2,7 @@
 
 #include "util/Base64.h"
 
+#include <fmt/chrono.h>
 #include <nlohmann/json.hpp>
 
 #include <limits>
@@ -79,6 +80,7 @@ nlohmann::ordered_json toLibrary(const Value& value) {
     if (const auto* real = value.real()) return *real;
     if (const auto* text = value.text()) return *text;
     if (const auto* data = value.data()) return Base64::encode(*data);
+    if (const auto* date = value.date()) return fmt::format("{:%FT%TZ}", fmt::gmtime(static_cast<std::time_t>(date->seconds)));
     if (const auto* list = value.list()) {
         auto array = nlohmann::ordered_json::array();
         for (const Value& element : *list) array.push_back(toLibrary(element));

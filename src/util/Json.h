@@ -13,7 +13,8 @@ struct Json {
     /// that no 64-bit integer holds becomes a double.
     static Result<Value> decode(const Bytes& bytes);
 
-    /// One line without spaces, keys in the dictionary's order. Bytes are written as base64 text;
+    /// One line without spaces, keys in the dictionary's order. Bytes are written as base64 text,
+    /// dates as ISO 8601;
     /// invalid UTF-8 in a text is replaced by U+FFFD; numbers that are not finite become null.
     static Bytes encode(const Value& value);
 };

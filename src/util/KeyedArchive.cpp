@@ -21,7 +21,7 @@ Result<Dictionary> KeyedArchive::decode(const std::string& className, const Byte
     if (name == nullptr || name->text() == nullptr || objects == nullptr || objects->dictionary() == nullptr) {
         return dataError("not a keyed archive");
     }
-    if (*name->text() != className) return dataError("an archive of class " + *name->text() + ", not " + className);
+    if (*name->text() != className) return dataError("an archive of another class than " + className);
     return *objects->dictionary();
 }
 

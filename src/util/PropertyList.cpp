@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <ctime>
 #include <memory>
+#include <string_view>
 
 namespace halvane::util {
 
@@ -21,7 +21,22 @@ struct FreeText {
 };
 using CText = std::unique_ptr<char, FreeText>;
 
+// The library itself recurses, over as many levels as the bytes say, until the stack ends.
 constexpr int kMaxDepth = 512;
+constexpr std::size_t kLargestBinary = 128 * 1024;  // no room in it for more levels than a stack has
+
+/// Whether arrays and dictionaries of an XML property list stand deeper in one another than they may.
+bool isTooDeep(std::string_view xml) {
+    int depth = 0;
+    for (std::size_t at = xml.find('<'); at != std::string_view::npos; at = xml.find('<', at + 1)) {
+        const std::string_view tag = xml.substr(at, xml.find('>', at) - at);
+        if (tag.ends_with('/')) continue;
+        if (tag.starts_with("<array") || tag.starts_with("<dict")) ++depth;
+        if (tag.starts_with("</array") || tag.starts_with("</dict")) --depth;
+        if (depth > kMaxDepth) return true;
+    }
+    return false;
+}
 
 Value fromLibrary(plist_t node, int depth);
 
@@ -48,17 +63,14 @@ Dictionary dictionaryFrom(plist_t node, int depth) {
     }
 }
 
-std::string dateText(plist_t node) {
-    // The library counts from the first of January 2001.
-    constexpr std::time_t kEpoch = 978307200;
+/// The library counts from the first of January 2001.
+constexpr std::int64_t kLibraryEpoch = 978307200;
+
+Value::Date dateFrom(plist_t node) {
     std::int32_t seconds = 0;
     std::int32_t micros = 0;
     plist_get_date_val(node, &seconds, &micros);
-    const std::time_t time = kEpoch + seconds;
-    std::tm parts{};
-    gmtime_r(&time, &parts);
-    char text[32];
-    return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts)};
+    return {kLibraryEpoch + seconds};
 }
 
 Value scalarFrom(plist_t node) {
@@ -89,7 +101,7 @@ Value scalarFrom(plist_t node) {
             return Value::Data{bytes == nullptr ? Bytes() : Bytes(bytes, length)};
         }
         case PLIST_DATE:
-            return dateText(node);
+            return dateFrom(node);
         default:
             return {};
     }
@@ -113,6 +125,7 @@ plist_t toLibrary(const Value& value) {
     if (const auto* real = value.real()) return plist_new_real(*real);
     if (const auto* text = value.text()) return plist_new_string(text->c_str());
     if (const auto* data = value.data()) return plist_new_data(data->data(), data->size());
+    if (const auto* date = value.date()) return plist_new_date(static_cast<std::int32_t>(date->seconds - kLibraryEpoch), 0);
     if (const auto* list = value.list()) {
         plist_t array = plist_new_array();
         for (const Value& element : *list) plist_array_append_item(array, toLibrary(element));
@@ -137,8 +150,10 @@ Result<Value> PropertyList::decode(const Bytes& bytes) {
     const auto length = static_cast<std::uint32_t>(bytes.size());
     // The XML reader prints to standard error about bytes that are no XML; it is asked only for what looks like it.
     if (plist_is_binary(bytes.data(), length) != 0) {
+        if (length > kLargestBinary) return dataError("binary property list is too large");
         plist_from_bin(bytes.data(), length, &raw);
     } else if (const auto start = bytes.find_first_not_of(" \t\r\n\xEF\xBB\xBF"); start != Bytes::npos && bytes[start] == '<') {
+        if (isTooDeep(bytes)) return dataError("property list is nested deeper than " + std::to_string(kMaxDepth));
         plist_from_xml(bytes.data() + start, length - static_cast<std::uint32_t>(start), &raw);
     }
     const Node node(raw);

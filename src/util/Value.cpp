@@ -30,6 +30,13 @@ std::int64_t truncated(double number) {
     return std::isfinite(number) && std::abs(number) < kLimit ? static_cast<std::int64_t>(number) : 0;
 }
 
+/// Whole numbers without an exponent, as far as anybody writes them out.
+std::string decimal(double number) {
+    constexpr double kLongest = 1e21;
+    const bool whole = std::abs(number) < kLongest && std::trunc(number) == number;
+    return whole ? fmt::format("{:.0f}", number) : fmt::format("{}", number);
+}
+
 }  // namespace
 
 const Bytes* Value::data() const {
@@ -41,9 +48,9 @@ bool operator==(const Value& left, const Value& right) { return left.state_ == r
 
 std::optional<std::string> textOf(const Value* value) {
     if (value == nullptr) return std::nullopt;
-    if (const auto* text = value->text()) return *text;
+    if (const auto* text = value->text()) return text->substr(0, text->find('\0'));
     if (const auto* integer = value->integer()) return std::to_string(*integer);
-    if (const auto* real = value->real()) return fmt::format("{}", *real);
+    if (const auto* real = value->real()) return decimal(*real);
     if (const auto* boolean = value->boolean()) return *boolean ? "1" : "0";
     return std::nullopt;
 }

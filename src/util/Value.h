@@ -12,7 +12,7 @@
 namespace halvane::util {
 
 /// What a JSON reply, a property list, a preference or a keyed archive holds: null, a boolean, a
-/// number, text (UTF-8), bytes, a list or a dictionary. A plain value; copies are independent.
+/// number, text (UTF-8), bytes, a date, a list or a dictionary. A plain value; copies are independent.
 ///
 /// The readers below answer "absent" (null pointer, nullopt) for a value of another kind, so that
 /// nothing a server or a file says can do more than be absent.
@@ -25,6 +25,10 @@ public:
         Bytes bytes;
         friend bool operator==(const Data&, const Data&) = default;
     };
+    struct Date {
+        std::int64_t seconds = 0;  ///< since 1970, UTC
+        friend bool operator==(const Date&, const Date&) = default;
+    };
     using List = std::vector<Value>;
 
     Value() = default;
@@ -36,6 +40,7 @@ public:
     Value(const char* text) : state_(std::string(text)) {}
     Value(std::string text) : state_(std::move(text)) {}
     Value(Data data) : state_(std::move(data)) {}
+    Value(Date date) : state_(date) {}
     Value(List list) : state_(std::move(list)) {}
     Value(Dictionary dictionary) : state_(std::move(dictionary)) {}
     /// An absent text becomes null.
@@ -49,6 +54,7 @@ public:
     [[nodiscard]] const double* real() const { return std::get_if<double>(&state_); }
     [[nodiscard]] const std::string* text() const { return std::get_if<std::string>(&state_); }
     [[nodiscard]] const Bytes* data() const;
+    [[nodiscard]] const Date* date() const { return std::get_if<Date>(&state_); }
     [[nodiscard]] const List* list() const { return std::get_if<List>(&state_); }
     [[nodiscard]] List* list() { return std::get_if<List>(&state_); }
     [[nodiscard]] const Dictionary* dictionary() const { return std::get_if<Dictionary>(&state_); }
@@ -57,7 +63,7 @@ public:
     friend bool operator==(const Value& left, const Value& right);
 
 private:
-    std::variant<Null, bool, std::int64_t, double, std::string, Data, List, Dictionary> state_;
+    std::variant<Null, bool, std::int64_t, double, std::string, Data, Date, List, Dictionary> state_;
 };
 
 struct Dictionary::Entry {
@@ -65,8 +71,8 @@ struct Dictionary::Entry {
     Value value;
 };
 
-/// The text of a record's field: text as it is, a number as decimal text, a boolean as "1" or "0";
-/// absent for null, bytes, lists, dictionaries and for no value at all.
+/// The text of a record's field: text up to its first NUL, a number as decimal text, a boolean as "1" or "0";
+/// absent for null, bytes, dates, lists, dictionaries and for no value at all.
 std::optional<std::string> textOf(const Value* value);
 
 /// The integer of a field such as a reply's "code": a number (fractions cut off), or the leading

@@ -42,6 +42,10 @@ TEST_F(DeviceInfoTest, memory_is_reckoned_in_single_precision_with_bare_free_pag
         {"the free pages are bytes by mistake", {.free = 1'073'741'824, .active = 262'144}, "50.00%", "1.00", "1.00", "1.00"},
         {"more cache than memory in use", {.active = 100, .external = 262'244}, "-262144.00%", "-1.00", "1.00", "0.00"},
     };
+    on.pageBytes = 1 << 30;
+    on.memoryPages = platform::MemoryCounters{.active = 16'777'217};
+    EXPECT_EQ(entry(on.helper.getMemoryInfo(), kMemoryTotleSize), "16777216.00") << "one more than single precision holds";
+    on.pageBytes = 4096;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         on.memoryPages = row.pages;
@@ -156,6 +160,9 @@ TEST_F(DeviceInfoTest, summary_keeps_the_line_feed_after_the_host_name) {
     on.disk = platform::FileSystemCounters{.blocks = 244'190'646, .freeBlocks = 1, .availableBlocks = 1};
     on.systemVersion = {{"ProductName", "Debian\n GNU/Linux"}, {"ProductVersion", "12\n"}};
     const auto summary = on.helper.getSPHardwareInfo();
+    EXPECT_EQ(on.launcher.starts,
+              (std::vector<std::string>{"/usr/sbin/scutil --get LocalHostName", "/usr/sbin/sysctl -n machdep.cpu.brand_string",
+                                        "/usr/sbin/sysctl -n hw.memsize"}));
     EXPECT_EQ(summary.text, "mac-mini\n\nDebian GNU/Linux  12\n处理器：17179869184\n内存：16GB\n硬盘：931GB\n序列号：HV-0001GB");
     using Run = util::StyledText::Run;
     EXPECT_EQ(summary.runs, (std::vector<Run>{{0, 9, {.fontName = "Helvetica-Bold", .fontSize = 19}},
@@ -168,6 +175,7 @@ TEST_F(DeviceInfoTest, summary_of_a_machine_that_tells_nothing_stands_all_the_sa
     on.disk.reset();
     on.launcher.outputs = {{"/usr/sbin/scutil", "\xFF"}};
     EXPECT_EQ(on.helper.getSPHardwareInfo().text, "(null)\n(null)  (null)\n处理器：\n内存：0GB\n硬盘：(null)GB\n序列号：(null)GB");
+    EXPECT_EQ(on.helper.getSPHardwareInfo().runs[0].length, 6U);
     EXPECT_TRUE(on.log.contains("/usr/sbin/sysctl"));
 }
 
@@ -195,7 +203,9 @@ TEST_F(DeviceInfoTest, tools_are_started_with_exactly_these_arguments) {
                   "/usr/bin/profiles remove -identifier com.example.wifi", "/usr/sbin/networksetup -setairportnetwork en0 test dot1x",
                   "/usr/sbin/networksetup -setnetworkserviceenabled Wi-Fi off", "/usr/sbin/networksetup -setnetworkserviceenabled Wi-Fi on",
                   "/usr/sbin/scutil --get LocalHostName"}));
-    EXPECT_EQ(on.launcher.requests[3].arguments.size(), 3U);
+    EXPECT_EQ(on.launcher.requests[1].arguments, (std::vector<std::string>{"delete-certificate", "-c", "chen xiao"}));
+    EXPECT_EQ(on.launcher.requests[3].arguments, (std::vector<std::string>{"-setairportnetwork", "en0", "test dot1x"}));
+    EXPECT_EQ(on.launcher.requests[4].arguments, (std::vector<std::string>{"-setnetworkserviceenabled", "Wi-Fi", "off"}));
 }
 
 TEST_F(DeviceInfoTest, the_certificates_password_is_in_no_argument_and_no_log) {
@@ -222,6 +232,25 @@ TEST_F(DeviceInfoTest, the_record_reads_the_machine_and_forgets_what_is_stored_b
     EXPECT_EQ(model.cpuUsagePercentage(), Text());
     model.setCpuUsagePercentage("12.34");
     EXPECT_EQ(model.cpuUsagePercentage(), "12.34");
+}
+
+TEST_F(DeviceInfoTest, every_field_of_the_record_reads_its_own_fact) {
+    on.launcher.outputs = {{"/usr/sbin/scutil", "host\n"}, {"/usr/sbin/sysctl", "17179869184\n"}};
+    on.properties.set("IOPlatformUUID", "uuid");
+    on.memoryPages = platform::MemoryCounters{.free = 1'073'741'824, .active = 262'144};
+    on.disk = platform::FileSystemCounters{.blocks = 244'190'646, .freeBlocks = 183'142'985, .availableBlocks = 170'000'000};
+    const HVDeviceInfoModel model(on.helper);
+    EXPECT_EQ(model.localHostName(), "host\n");
+    EXPECT_EQ(model.cpuBaseInfo(), "17179869184");
+    EXPECT_EQ(model.serialNumber(), "HV-0001");
+    EXPECT_EQ(model.deviceUUID(), "uuid");
+    EXPECT_EQ(model.macAddress(), "A4:83:E7:01:0B:2C");
+    EXPECT_EQ(model.diskUsagePercentage(), "27%");
+    EXPECT_EQ(model.memoryUsagePercentage(), "50.00%");
+    EXPECT_EQ(model.memoryUsageSize(), "1.00");
+    EXPECT_EQ(model.diskUsageSize(), "232");
+    EXPECT_EQ(model.memoryTotleSize(), "16GB");
+    EXPECT_EQ(model.diskTotleSize(), "931");
 }
 
 TEST_F(DeviceInfoTest, an_unknown_model_has_a_name) {

@@ -25,7 +25,10 @@ public:
     explicit FakeScreen(std::vector<std::string>& events) : events_(&events) {}
 
     std::string text(Field field) const override { return field == Field::UserName ? userName : passWord; }
-    void setText(Field field, const std::string& text) override { (field == Field::UserName ? userName : passWord) = text; }
+    void setText(Field field, const std::string& text) override {
+        (field == Field::UserName ? userName : passWord) = text;
+        (field == Field::UserName ? userNameTyped : passWordTyped) = false;
+    }
     bool isTyped(Field field) const override { return field == Field::UserName ? userNameTyped : passWordTyped; }
     bool autoLoginState() const override { return autoLogin; }
     void setAutoLoginState(bool on) override { autoLogin = on; }
@@ -64,7 +67,12 @@ public:
                                    {"/usr/sbin/networksetup", ""}};
         on.files.files["/home/test/Resources/brelton.mobileconfig"] = util::PropertyList::encode(
             util::Dictionary{{"PayloadContent", util::Value::List{util::Dictionary{{"PayloadIdentifier", "com.example.identity"}}}}});
-        notifications.addObserver("HDCL_Notification_LoginSuccess", [this] { events.emplace_back("login success"); });
+        notifications.addObserver("HDCL_Notification_LoginSuccess", [this] {
+            events.emplace_back("login success");
+            // What the windows that hear this find.
+            stateAtSuccess = std::string(on.user.user_isLogin() ? "session" : "no session") +
+                             (on.preferences.saved.find("HDCL_ISAUTOLOGIN") == nullptr ? "" : ", switch saved");
+        });
     }
 
     /// A start of the program up to the login view in its window.
@@ -126,6 +134,7 @@ public:
     }
 
     std::vector<std::string> events;
+    std::string stateAtSuccess;
     test::ScriptedClient on;
     test::FakeDevice device;
     test::MemoryKeychain keychain;

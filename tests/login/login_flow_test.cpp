@@ -1,4 +1,6 @@
 #include "login/LoginStory.h"
+#include "support/Eventually.h"
+#include "support/ThreadQueue.h"
 #include "util/Json.h"
 
 #include <gtest/gtest.h>
@@ -123,6 +125,7 @@ TEST_F(LoginFlowTest, a_login_walks_through_its_steps_in_order) {
     signIn();
     answer(kChenAccepted);
     EXPECT_EQ(events, (Events{"busy", "idle", "login success", "main window"}));
+    EXPECT_EQ(stateAtSuccess, "session, switch saved");
     EXPECT_FALSE(flow->isLogining());
     EXPECT_EQ(storedCredentials(), "chen.xiao@example.com Halvane-demo-1");
     EXPECT_TRUE(storedAutoLogin());
@@ -296,6 +299,16 @@ TEST_F(LoginFlowTest, a_view_that_goes_away_hears_nothing_more) {
     settle();
     EXPECT_EQ(requestCount(), sent) << "gone while the facts were gathered";
 
+    start();
+    signIn();
+    events.clear();
+    on.transport.replyJson(requestCount() - 1, kChenAccepted);
+    flow.reset();
+    const auto asked = requestCount();
+    settle();
+    EXPECT_EQ(requestCount(), asked) << "gone while the certificates were listed";
+    EXPECT_TRUE(events.empty());
+
     on.preferences.set("HDCL_ISAUTOLOGIN", true);
     on.user.user_loginSuccessWithDic(util::Dictionary{{"job_number", "1"}, {"token", ""}});
     storeCredentials("chen@example.com", "pw");
@@ -304,6 +317,31 @@ TEST_F(LoginFlowTest, a_view_that_goes_away_hears_nothing_more) {
     events.clear();
     on.mainLoop->advance(std::chrono::seconds(1));
     EXPECT_TRUE(events.empty());
+    EXPECT_EQ(screen.userName, "@example.com") << "gone before the credentials arrived";
+}
+
+TEST_F(LoginFlowTest, a_login_over_real_queues_touches_the_screen_on_the_main_loop_only) {
+    test::ThreadQueue credentials;
+    test::ThreadQueue tools;
+    storeCredentials("old@example.com", "old");
+    auto threaded = collaborators();
+    LoginFlow onThreads(
+        screen, {threaded.mainLoop, credentials, tools, threaded.preferences, threaded.browser, threaded.notifications, threaded.log,
+                 threaded.user, threaded.keyChain, threaded.requests, threaded.device, threaded.certificates, threaded.deployment});
+    const auto awaitMain = [this](const auto& reached) {
+        return test::eventually([&] {
+            settle();
+            return reached();
+        });
+    };
+    onThreads.viewBuilt();
+    ASSERT_TRUE(awaitMain([&] { return screen.userName == "old@example.com"; }));
+    type("chen.xiao@example.com", "Halvane-demo-1");
+    onThreads.loginAction();
+    ASSERT_TRUE(awaitMain([&] { return requestCount() == 1; }));
+    on.transport.replyJson(0, kChenAccepted);
+    ASSERT_TRUE(awaitMain([&] { return !events.empty() && events.back() == "main window"; }));
+    ASSERT_TRUE(credentials.awaitPosted(2));
 }
 
 TEST_F(LoginFlowTest, without_a_secret_store_a_login_works_all_the_same) {

@@ -39,7 +39,9 @@ TEST(HttpMessage, headers_compare_without_case_and_cannot_be_split) {
     HttpHeaders headers{{"Token-Id", "a"}, {"Accept", "x"}};
     headers.set("token-id", "b");
     headers.set("X-Evil", "1\r\nHost: other");
-    EXPECT_EQ(headers.fields(), (std::vector<HttpHeaders::Field>{{"Token-Id", "b"}, {"Accept", "x"}}));
+    headers.set("accept", "y\n");
+    EXPECT_EQ(headers.fields(), (std::vector<HttpHeaders::Field>{{"Token-Id", "b"}}))
+        << "what cannot be sent does not leave the older value";
 }
 
 TEST(HttpMessage, a_field_that_arrives_twice_becomes_one_list) {

@@ -125,7 +125,9 @@ TEST_F(ApiClientTest, transport_errors_arrive_as_they_are) {
 TEST_F(ApiClientTest, a_delegate_replaces_replies_and_may_keep_them_back) {
     struct Hook final : APIClient::Delegate {
         void handleSuccessRequest(const util::Value& response, std::function<void(const util::Value&)> completion) override {
-            if (response != util::Value(1)) completion("replaced");
+            if (response == util::Value(1)) return;
+            completion("replaced");
+            completion("a second time");
         }
     };
     const auto hook = std::make_shared<Hook>();
@@ -136,6 +138,11 @@ TEST_F(ApiClientTest, a_delegate_replaces_replies_and_may_keep_them_back) {
     send(0);
     on.transport.replyJson(1, "2");
     EXPECT_EQ(answers, std::vector<std::string>{"0 \"replaced\" -"});
+}
+
+TEST_F(ApiClientTest, absent_parameters_travel_as_empty_texts) {
+    send(1, Dictionary{{"sn", nullptr}, {"n", 1}});
+    EXPECT_EQ(on.last().request.body, R"({"sn":"","n":1})");
 }
 
 TEST_F(ApiClientTest, cancelling_ends_all_requests_and_needs_none) {
@@ -179,11 +186,20 @@ protected:
 TEST_F(DownloadTest, lands_in_the_caches_without_token_or_json) {
     on.user.user_loginSuccessWithDic(Dictionary{{"job_number", "1"}, {"token", "secret"}});
     send(0);
-    download("http://h/certs/x y.p12");
+    download("http://h/certs/x%20y.p12");
     on.transport.reply(1, 200, "application/x-pkcs12", "bytes");
     EXPECT_EQ(answers, (std::vector<std::string>{"progress 5", "file file:///home/test/Caches/x y.p12"}));
     EXPECT_TRUE(on.last().request.headers.fields().empty());
     EXPECT_EQ(on.last().session, 1U);
+    for (const auto& session : on.transport.sessions) EXPECT_EQ(session.resultQueue, on.mainLoop);
+}
+
+TEST_F(DownloadTest, one_that_is_under_way_ends_with_the_client) {
+    download("http://h/x");
+    const std::weak_ptr<test::ScriptedTransport::Exchange> running = on.transport.exchanges[0];
+    on.client.reset();
+    EXPECT_TRUE(answers.empty());
+    EXPECT_TRUE(running.lock()->completed);
 }
 
 TEST_F(DownloadTest, an_error_is_the_failure_and_nothing_else) {

@@ -87,16 +87,12 @@ TEST_F(RequestHelperTest, every_operation_sends_the_recorded_bytes_and_reads_the
             expectSent(recorded);
 
             const std::string body = test::filled(recorded.reply.body, values);
-            std::string type;
-            for (const auto& [name, value] : recorded.reply.headers) {
-                if (name == "content-type") type = value;
-            }
-            on.transport.reply(on.transport.exchanges.size() - 1, recorded.reply.status, type, body);
+            platform::HttpResponse reply{recorded.reply.status, on.last().request.url, {}};
+            for (const auto& [name, value] : recorded.reply.headers) reply.headers.set(name, value);
+            on.transport.reply(on.transport.exchanges.size() - 1, reply, body);
             ASSERT_EQ(answers.size(), 1U);
-            if (recorded.reply.status != 200) {
-                EXPECT_EQ(answers[0], "failure -1011");
-            } else if (operation.starts_with("download")) {
-                EXPECT_TRUE(answers[0].starts_with("downloaded file:///home/test/Caches/")) << answers[0];
+            if (operation.starts_with("download")) {
+                EXPECT_EQ(answers[0], "downloaded file:///home/test/Caches/chen.xiao.pfx");
             } else {
                 EXPECT_EQ(answers[0], "success " + body);
             }

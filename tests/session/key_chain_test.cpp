@@ -2,6 +2,7 @@
 
 #include "support/MemoryKeychain.h"
 #include "support/RecordingLog.h"
+#include "util/KeyedArchive.h"
 
 #include <gtest/gtest.h>
 
@@ -42,11 +43,15 @@ TEST_F(KeyChainTest, deleted_means_absent) {
 }
 
 TEST_F(KeyChainTest, another_programs_bytes_are_absent_and_logged_without_their_content) {
-    keychain.items[service] = "hunter2";
-    EXPECT_EQ(chain.loadInfo(service), std::nullopt);
-    ASSERT_EQ(log.lines().size(), 1U);
-    EXPECT_TRUE(log.lines()[0].starts_with("Unarchive of " + service + " failed: "));
-    EXPECT_FALSE(log.contains("hunter2"));
+    for (const util::Bytes& bytes : {util::Bytes("hunter2"), util::KeyedArchive::encode("hunter2", {{"root", "hunter2"}}),
+                                     util::KeyedArchive::encode("KTKeyChainRecord", {{"other", "hunter2"}})}) {
+        keychain.items[service] = bytes;
+        const auto before = log.lines().size();
+        EXPECT_EQ(chain.loadInfo(service), std::nullopt);
+        ASSERT_EQ(log.lines().size(), before + 1);
+        EXPECT_TRUE(log.lines().back().starts_with("Unarchive of " + service + " failed: "));
+        EXPECT_FALSE(log.contains("hunter2"));
+    }
 }
 
 TEST_F(KeyChainTest, without_a_store_loads_find_nothing_in_silence) {

@@ -16,7 +16,10 @@ using util::Dictionary;
 class UserConfigTest : public testing::Test {
 protected:
     /// What a new start of the program would see.
-    HDCLUserConfig restart() { return {preferences, files, directories}; }
+    HDCLUserConfig restart() {
+        preferences.values = preferences.saved;
+        return {preferences, files, directories};
+    }
     static Dictionary chen(const char* token = "t1") {
         return {{"job_number", "12345"}, {"token", token}, {"user_name", "chen.xiao@example.com"}, {"header_img", "http://h/a.png"}};
     }
@@ -142,10 +145,12 @@ TEST_F(UserConfigTest, a_session_file_that_cannot_be_read_means_signed_out) {
 
 TEST_F(UserConfigTest, disk_failures_leave_the_session_of_this_run) {
     for (bool test::MemoryFileStore::*refusal : {&test::MemoryFileStore::refuseWrites, &test::MemoryFileStore::refuseDirectories}) {
-        files.*refusal = true;
-        config.user_loginSuccessWithDic(chen());
-        EXPECT_TRUE(config.user_isLogin());
-        files.*refusal = false;
+        test::MemoryFileStore full;
+        full.*refusal = true;
+        HDCLUserConfig onFullDisk(preferences, full, directories);
+        onFullDisk.user_loginSuccessWithDic(chen());
+        EXPECT_TRUE(onFullDisk.user_isLogin());
+        EXPECT_TRUE(full.files.empty());
     }
 }
 
@@ -154,8 +159,11 @@ TEST_F(UserConfigTest, ids_that_would_leave_the_directory_name_no_file) {
     EXPECT_EQ(config.filePathWithUid("a b"), "/home/test/Documents/LoginFile/a b.plist");
     for (const char* uid : {"", ".", "..", "../x", "a/b", "/etc/passwd"}) EXPECT_FALSE(config.filePathWithUid(uid)) << uid;
     EXPECT_FALSE(config.filePathWithUid(std::nullopt));
+    files.files[chenFile] = HDCLUserModel::fromDictionary(chen()).archived();
+    preferences.set("puid", "12345");
+    EXPECT_TRUE(config.loadLastUser());
     preferences.set("puid", 12345);
-    EXPECT_FALSE(config.loadLastUser());
+    EXPECT_FALSE(config.loadLastUser()) << "a number is no user id";
 }
 
 }  // namespace

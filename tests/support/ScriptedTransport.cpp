@@ -1,5 +1,6 @@
 #include "support/ScriptedTransport.h"
 
+#include <stdexcept>
 #include <utility>
 
 namespace halvane::test {
@@ -8,9 +9,25 @@ namespace {
 
 using Exchange = ScriptedTransport::Exchange;
 
-void finish(Exchange& exchange, std::optional<platform::HttpResponse> response, const util::Bytes& body, std::optional<util::Error> error) {
+/// What came back of one exchange; the file is a download's.
+struct Outcome {
+    std::optional<platform::HttpResponse> response;
+    util::Bytes body;
+    std::optional<std::filesystem::path> file;
+    std::optional<util::Error> error;
+};
+
+void complete(Exchange& exchange, Outcome outcome) {
     if (std::exchange(exchange.completed, true)) return;
-    if (exchange.data.onCompletion) exchange.data.onCompletion({std::move(response), body, std::move(error)});
+    const auto data = std::exchange(exchange.data, {});
+    const auto download = std::exchange(exchange.download, {});
+    if (data.onCompletion) data.onCompletion({std::move(outcome.response), std::move(outcome.body), std::move(outcome.error)});
+    if (download.onCompletion) download.onCompletion({std::move(outcome.response), std::move(outcome.file), std::move(outcome.error)});
+}
+
+Exchange& resumed(const std::shared_ptr<Exchange>& exchange) {
+    if (!exchange->resumed) throw std::logic_error("a task that was never resumed gets no answer");
+    return *exchange;
 }
 
 class ScriptedTask final : public platform::HttpTask {
@@ -18,15 +35,7 @@ public:
     ScriptedTask(std::shared_ptr<Exchange> exchange, unsigned long identifier) : exchange_(std::move(exchange)), identifier_(identifier) {}
     unsigned long taskIdentifier() const override { return identifier_; }
     void resume() override { exchange_->resumed = true; }
-    void cancel() override {
-        const auto error = util::urlError(util::UrlError::Cancelled, "cancelled");
-        if (exchange_->isDownload) {
-            if (!std::exchange(exchange_->completed, true) && exchange_->download.onCompletion)
-                exchange_->download.onCompletion({{}, {}, error});
-        } else {
-            finish(*exchange_, {}, {}, error);
-        }
-    }
+    void cancel() override { complete(*exchange_, {.error = util::urlError(util::UrlError::Cancelled, "cancelled")}); }
     [[nodiscard]] bool completed() const { return exchange_->completed; }
 
 private:
@@ -39,6 +48,7 @@ private:
 class ScriptedSession final : public platform::HttpSession {
 public:
     ScriptedSession(ScriptedTransport& transport, std::size_t number) : transport_(transport), number_(number) {}
+    ~ScriptedSession() override { invalidateCancelingTasks(); }
 
     std::shared_ptr<platform::HttpTask> dataTask(platform::HttpRequest request, platform::HttpDataHandlers handlers) override {
         auto exchange = std::make_shared<Exchange>();
@@ -53,7 +63,7 @@ public:
         exchange->isDownload = true;
         return add(std::move(exchange));
     }
-    std::vector<std::shared_ptr<platform::HttpTask>> tasks() const override {
+    std::vector<std::shared_ptr<platform::HttpTask>> tasks() const final {
         std::vector<std::shared_ptr<platform::HttpTask>> open;
         for (const auto& task : tasks_) {
             if (!task->completed()) open.push_back(task);
@@ -61,7 +71,7 @@ public:
         return open;
     }
     void setMaximumConcurrentTasks(int /*count*/) override {}
-    void invalidateCancelingTasks() override {
+    void invalidateCancelingTasks() final {
         for (const auto& task : tasks()) task->cancel();
     }
 
@@ -83,34 +93,32 @@ std::shared_ptr<platform::HttpSession> ScriptedTransport::makeSession(platform::
     return std::make_shared<ScriptedSession>(*this, sessions.size() - 1);
 }
 
-void ScriptedTransport::reply(std::size_t index, int status, const std::string& contentType, const util::Bytes& body) {
+void ScriptedTransport::reply(std::size_t index, platform::HttpResponse response, const util::Bytes& body) {
     const auto exchange = exchanges.at(index);
-    platform::HttpResponse response{status, exchange->request.url, {}};
-    if (!contentType.empty()) response.headers.set("Content-Type", contentType);
-    if (!exchange->isDownload) {
-        finish(*exchange, response, body, std::nullopt);
+    if (!resumed(exchange).isDownload) {
+        complete(*exchange, {.response = response, .body = body});
         return;
     }
-    if (std::exchange(exchange->completed, true)) return;
+    if (exchange->completed) return;
     if (!response.isSuccess()) {
-        exchange->download.onCompletion(
-            {response, {}, util::urlError(util::UrlError::BadServerResponse, "status " + std::to_string(status))});
+        const auto error = util::urlError(util::UrlError::BadServerResponse, "status " + std::to_string(response.status));
+        complete(*exchange, {.response = response, .error = error});
         return;
     }
     if (exchange->download.onProgress) exchange->download.onProgress({body.size(), body.size()});
     const auto file = exchange->download.destination(response);
     if (writeFile) writeFile(file, body);
-    exchange->download.onCompletion({response, file, std::nullopt});
+    complete(*exchange, {.response = response, .file = file});
+}
+
+void ScriptedTransport::reply(std::size_t index, int status, const std::string& contentType, const util::Bytes& body) {
+    platform::HttpResponse response{status, exchanges.at(index)->request.url, {}};
+    if (!contentType.empty()) response.headers.set("Content-Type", contentType);
+    reply(index, std::move(response), body);
 }
 
 void ScriptedTransport::fail(std::size_t index, util::UrlError code, const std::string& description) {
-    const auto exchange = exchanges.at(index);
-    const auto error = util::urlError(code, description);
-    if (exchange->isDownload) {
-        if (!std::exchange(exchange->completed, true)) exchange->download.onCompletion({{}, {}, error});
-    } else {
-        finish(*exchange, {}, {}, error);
-    }
+    complete(resumed(exchanges.at(index)), {.error = util::urlError(code, description)});
 }
 
 }  // namespace halvane::test

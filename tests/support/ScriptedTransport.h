@@ -11,7 +11,8 @@ namespace halvane::test {
 class ScriptedSession;
 
 /// A transport without a network: tests look at what was sent and decide what comes back. One
-/// thread; completions run at once, inside `reply` and its like, on no queue.
+/// thread; completions run at once, inside `reply` and its like, on no queue. An exchange lets go of
+/// its handlers when it completes; one that was not resumed gets no answer but std::logic_error.
 class ScriptedTransport final : public platform::HttpTransport {
 public:
     std::shared_ptr<platform::HttpSession> makeSession(platform::HttpSessionConfiguration configuration) override;
@@ -29,6 +30,7 @@ public:
 
     /// Completes the exchange with a reply of `status`; a download's body goes to the file that the
     /// destination names, through `writeFile`.
+    void reply(std::size_t index, platform::HttpResponse response, const util::Bytes& body);
     void reply(std::size_t index, int status, const std::string& contentType, const util::Bytes& body);
     void replyJson(std::size_t index, const util::Bytes& body) { reply(index, 200, "application/json", body); }
     void fail(std::size_t index, util::UrlError code, const std::string& description = "scripted");

@@ -4,6 +4,7 @@
 #include <systemd/sd-id128.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 
 namespace halvane::linux {
@@ -53,7 +54,9 @@ Message ask(sd_bus* bus, sd_bus_message* question, Clock::time_point end) {
         if (worked < 0) return {};
         if (worked > 0) continue;
         const auto left = std::chrono::duration_cast<std::chrono::microseconds>(end - Clock::now());
-        if (left.count() <= 0 || sd_bus_wait(bus, static_cast<std::uint64_t>(left.count())) < 0) return {};
+        if (left.count() <= 0) return {};
+        const int waited = sd_bus_wait(bus, static_cast<std::uint64_t>(left.count()));
+        if (waited < 0 && waited != -EINTR) return {};
     }
     return std::move(reply.message);
 }
