@@ -9,6 +9,7 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <future>
 #include <memory>
 #include <string>
@@ -48,26 +49,43 @@ double costOf(HttpContestant& contestant, HttpExchange exchange, int count) {
     return (processCpuMicroseconds() - before) / count;
 }
 
-double median(std::vector<double> values) {
+double quantile(std::vector<double> values, double share) {
     std::ranges::sort(values);
-    return values[values.size() / 2];
+    return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1))];
 }
 
-void compare(const std::vector<std::unique_ptr<HttpContestant>>& contestants, HttpExchange exchange, const char* title, int rounds,
-             int requests) {
-    std::vector<std::vector<double>> costs(contestants.size());
-    std::vector<std::vector<double>> ratios(contestants.size());
-    for (int round = -1; round < rounds; ++round) {  // the first one only warms up
-        for (std::size_t i = 0; i < contestants.size(); ++i) {
-            const double cost = costOf(*contestants[i], exchange, requests);
-            if (round >= 0) costs[i].push_back(cost);
+using Maker = std::function<std::unique_ptr<HttpContestant>()>;
+
+struct Costs {
+    std::string name;
+    std::vector<double> microseconds;
+    std::vector<double> ratios;  ///< to the first contestant's, pair by pair
+};
+
+/// Every round makes the contestants anew. Where the scheduler puts their threads decides as much as their code does,
+/// and a pair of threads keeps its places: rounds with the same ones would all repeat a single throw of the dice.
+std::vector<Costs> measure(const std::vector<Maker>& makers, HttpExchange exchange, int rounds, int requests) {
+    constexpr int kWarmUp = 100;
+    std::vector<Costs> costs(makers.size());
+    for (int round = 0; round < rounds; ++round) {
+        for (std::size_t turn = 0; turn < makers.size(); ++turn) {
+            const std::size_t i = round % 2 == 0 ? turn : makers.size() - 1 - turn;
+            const auto contestant = makers[i]();
+            costs[i].name = contestant->name();
+            costOf(*contestant, exchange, kWarmUp);
+            costs[i].microseconds.push_back(costOf(*contestant, exchange, requests));
         }
-        for (std::size_t i = 0; round >= 0 && i < contestants.size(); ++i) ratios[i].push_back(costs[i].back() / costs[0].back());
+        for (Costs& one : costs) one.ratios.push_back(one.microseconds.back() / costs[0].microseconds.back());
     }
-    std::printf("%s, %d at a time: CPU a request, median of %d rounds of %d\n", title, kAtATime, rounds, requests);
-    for (std::size_t i = 0; i < contestants.size(); ++i) {
-        std::printf("  %-24s %7.1f us   %.2f of %s\n", contestants[i]->name().c_str(), median(costs[i]), median(ratios[i]),
-                    contestants[0]->name().c_str());
+    return costs;
+}
+
+void report(const std::vector<Costs>& all, const char* title, int rounds, int requests) {
+    std::printf("%s, %d at a time: CPU a request, median (quartiles) of %d rounds of %d\n", title, kAtATime, rounds, requests);
+    for (const Costs& one : all) {
+        std::printf("  %-20s %6.1f us (%.1f-%.1f)   ratio %.2f (%.2f-%.2f)\n", one.name.c_str(), quantile(one.microseconds, 0.5),
+                    quantile(one.microseconds, 0.25), quantile(one.microseconds, 0.75), quantile(one.ratios, 0.5),
+                    quantile(one.ratios, 0.25), quantile(one.ratios, 0.75));
     }
 }
 
@@ -78,13 +96,14 @@ void compare(const std::vector<std::unique_ptr<HttpContestant>>& contestants, Ht
 /// halvane_http_bench [ROUNDS [REQUESTS]]
 int main(int argc, char** argv) {
     using namespace halvane::bench;
-    const int rounds = std::max(argc > 1 ? std::atoi(argv[1]) : 15, 1);
-    const int requests = std::max(argc > 2 ? std::atoi(argv[2]) : 2000, kAtATime);
+    const int rounds = std::max(argc > 1 ? std::atoi(argv[1]) : 41, 1);
+    const int requests = std::max(argc > 2 ? std::atoi(argv[2]) : 1000, kAtATime);
     const HttpServer server;
-    std::vector<std::unique_ptr<HttpContestant>> contestants;
-    contestants.push_back(std::make_unique<PlainCurl>(server.url()));  // the measure comes first
-    contestants.push_back(std::make_unique<TransportSession>(server.url()));
-    compare(contestants, HttpExchange::Get, "small GET", rounds, requests);
-    compare(contestants, HttpExchange::Post, "POST of 1 KB JSON", rounds, requests);
+    const std::vector<Maker> makers = {
+        [&] { return std::make_unique<PlainCurl>(server.url()); },  // the measure comes first
+        [&] { return std::make_unique<TransportSession>(server.url()); },
+    };
+    report(measure(makers, HttpExchange::Get, rounds, requests), "small GET", rounds, requests);
+    report(measure(makers, HttpExchange::Post, rounds, requests), "POST of 1 KB JSON", rounds, requests);
     return 0;
 }
