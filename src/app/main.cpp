@@ -12,6 +12,7 @@
 #include "qt/QtMainLoop.h"
 #include "session/HDCLUserConfig.h"
 #include "ui/main/MainView.h"
+#include "ui/widgets/HDCLUICenter.h"
 
 #include <csignal>
 #include <cstdio>
@@ -84,6 +85,7 @@ int main(int argc, char** argv) {
 
     qt::choosePlatform();
     qt::QtApplication application(argc, argv);
+    ui::HDCLUICenter::applyTo(application);
     const auto services = app::Services::make({.serverBaseUrl = line->server.value_or(app::Deployment::kServerBaseUrl),
                                                .toolRoot = surroundings.toolRoot,
                                                .resources = surroundings.resources,
