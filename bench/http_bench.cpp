@@ -1,5 +1,6 @@
 // What an exchange costs the client: CPU time of this process for each request, the contestants taking
 // turns in every round, so that whatever else the machine does falls on all of them.
+#include "http_client.h"
 #include "http_plain_curl.h"
 #include "http_server.h"
 #include "http_transport.h"
@@ -102,6 +103,7 @@ int main(int argc, char** argv) {
     const std::vector<Maker> makers = {
         [&] { return std::make_unique<PlainCurl>(server.url()); },  // the measure comes first
         [&] { return std::make_unique<TransportSession>(server.url()); },
+        [&] { return std::make_unique<HttpClient>(server.url()); },
     };
     report(measure(makers, HttpExchange::Get, rounds, requests), "small GET", rounds, requests);
     report(measure(makers, HttpExchange::Post, rounds, requests), "POST of 1 KB JSON", rounds, requests);

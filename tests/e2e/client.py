@@ -66,7 +66,7 @@ class Client:
         self._desktop = desktop
         self._company = company
         self.program = Path(build, "bin/halvane")
-        self.tools = Path(build, "toolroot")
+        self.tools = Path(build, "libexec/halvane")
         self._env = {**desktop.env, "HALVANE_TOOL_ROOT": str(self.tools)}
         self.process = None
         self.started_at = 0.0

@@ -29,7 +29,6 @@ class Journey:
         self._company = company
         self._client = client
         self._pictures = options.pictures
-        self._start_within = options.start_within
         self._taken = 0
         self._watched = set()
 
@@ -186,7 +185,6 @@ class Journey:
         wait_for("the login window goes", lambda: len(self._client.windows()) == 1)
         wait_for("the user on the page", lambda: self._dark_pixels(main) > 50)
         stays("no login request", lambda: len(self._company.logins()) == before)
-        expect(took < self._start_within, f"main window within {self._start_within:g} s, not {took:.1f}")
         self._photograph("signed-in-again")
         return f"main window after {took:.2f} s, no login request"
 
@@ -240,9 +238,8 @@ def take(journey):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--build", type=Path, required=True, help="build directory with bin/ and toolroot/")
+    parser.add_argument("--build", type=Path, required=True, help="build directory with bin/, libexec/ and share/")
     parser.add_argument("--pictures", type=Path, required=True, help="directory for the pictures, emptied first")
-    parser.add_argument("--start-within", type=float, default=2.0, metavar="SECONDS", help="longest start of a signed-in user")
     options = parser.parse_args()
     build, pictures = options.build.resolve(), options.pictures.resolve()
     shutil.rmtree(pictures, ignore_errors=True)
