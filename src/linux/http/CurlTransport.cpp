@@ -9,12 +9,12 @@
 
 namespace halvane::linux_http {
 
-CurlTransport::CurlTransport(std::uint64_t largestBody) : largestBody_(largestBody) {
-    static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
-    if (initialised != CURLE_OK) throw std::runtime_error("libcurl could not be initialised");
-}
+CurlTransport::CurlTransport(std::uint64_t largestBody) : largestBody_(largestBody) {}
 
 std::shared_ptr<platform::HttpSession> CurlTransport::makeSession(platform::HttpSessionConfiguration configuration) {
+    // With the first session, not at the start of the program, which need not pay for TLS before it sends.
+    static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
+    if (initialised != CURLE_OK) throw std::runtime_error("libcurl could not be initialised");
     return std::make_shared<CurlSession>(std::move(configuration), largestBody_);
 }
 

@@ -6,7 +6,7 @@
 
 namespace halvane::linux_http {
 
-/// The HTTP transport on libcurl. Make the first one before other threads start.
+/// The HTTP transport on libcurl, which is set up by the first session. Any thread.
 class CurlTransport final : public platform::HttpTransport {
 public:
     static constexpr std::uint64_t kLargestBody = 256ULL * 1024 * 1024;
