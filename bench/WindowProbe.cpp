@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +9,7 @@
 #include <xcb/xcb.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -32,6 +32,7 @@ using Reply = std::unique_ptr<T, Free>;
 pid_t spawn(const std::vector<std::string>& command, const std::vector<std::string>& environment, int keptDescriptor = -1) {
     const auto pointers = [](const std::vector<std::string>& texts) {
         std::vector<char*> list;
+        list.reserve(texts.size() + 1);
         for (const auto& text : texts) list.push_back(const_cast<char*>(text.c_str()));
         list.push_back(nullptr);
         return list;
@@ -86,7 +87,8 @@ double processorTime(pid_t process) {
 WindowProbe::WindowProbe() {
     int ends[2];
     if (pipe(ends) != 0) throw std::runtime_error("no pipe");
-    std::string path = std::getenv("PATH") == nullptr ? "" : std::getenv("PATH");
+    const char* variable = std::getenv("PATH");
+    const std::string path = variable == nullptr ? "" : variable;
     server_ = spawn({"Xvfb", "-displayfd", "3", "-screen", "0", "1280x1024x24", "-nolisten", "tcp"}, {"PATH=" + path}, ends[1]);
     close(ends[1]);
     char number[16] = {};

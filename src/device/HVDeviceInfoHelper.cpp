@@ -179,9 +179,9 @@ std::optional<std::string> HVDeviceInfoHelper::findCert() const { return runComm
 
 std::optional<std::string> HVDeviceInfoHelper::installCertWithPath(const std::string& path, const std::string& certPassword) const {
     // Argument lists are open to every user of the computer, a child's environment to this user only.
-    const auto output = outputOf({.launchPath = kSecurity,
-                                  .arguments = {"import", path, "-k", "login.keychain", "-P", std::string("env:") + kCertPasswordVariable},
-                                  .environment = {{kCertPasswordVariable, certPassword}}});
+    auto output = outputOf({.launchPath = kSecurity,
+                            .arguments = {"import", path, "-k", "login.keychain", "-P", std::string("env:") + kCertPasswordVariable},
+                            .environment = {{kCertPasswordVariable, certPassword}}});
     collaborators_.log.write("installCertResult:" + util::printed(output));
     return output;
 }
