@@ -43,7 +43,7 @@ public:
         postTurn();
     }
 
-    void addAfter(std::chrono::milliseconds delay, Block block) {
+    void addAfter(std::chrono::milliseconds delay, Block&& block) {
         const std::lock_guard lock(mutex_);
         if (closed_) return;
         const auto number = ++lastDelayed_;

@@ -14,8 +14,6 @@
 #include <utility>
 #include <variant>
 
-extern char** environ;
-
 namespace halvane::linux {
 
 namespace {
@@ -34,17 +32,18 @@ bool canBePassed(const platform::ProcessRequest& request) {
 
 std::vector<std::string> environmentFor(const platform::ProcessRequest& request) {
     std::vector<std::string> all;
-    const auto add = [&all](const std::string& name, const std::string& entry) {
-        std::erase_if(all, [&name](const std::string& other) { return other.starts_with(name + "="); });
-        all.push_back(entry);
-    };
     for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) all.emplace_back(*entry);
-    for (const auto& [name, value] : request.environment) add(name, name + "=" + value);
+    for (const auto& [name, value] : request.environment) {
+        std::string assignment = name + '=';
+        std::erase_if(all, [&assignment](const std::string& other) { return other.starts_with(assignment); });
+        all.push_back(assignment.append(value));
+    }
     return all;
 }
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (auto& text : texts) pointers.push_back(text.data());
     pointers.push_back(nullptr);
     return pointers;

@@ -46,7 +46,7 @@ path temporaryFor(const XdgDirectories::Surroundings& surroundings, const path& 
         runtime && isThisUsersAlone(*runtime, Modes::MustBePrivate)) {
         return *runtime / "halvane";
     }
-    const auto own = surroundings.sharedTemporary / ("halvane-" + std::to_string(::geteuid()));
+    auto own = surroundings.sharedTemporary / ("halvane-" + std::to_string(::geteuid()));
     const bool stands = ::mkdir(own.c_str(), 0700) == 0 || errno == EEXIST;
     if (stands && isThisUsersAlone(own, Modes::MadePrivate)) return own;
     // Somebody else holds that name. Where only this user can write nobody does, and later starts of
