@@ -94,14 +94,20 @@ TEST(AsioDispatchQueues, concurrent_queues_run_blocks_at_the_same_time_and_seria
 }
 
 TEST(AsioDispatchQueues, a_queue_that_never_rests_leaves_the_others_their_turn) {
-    AsioDispatchQueues queues(1);
-    auto busy = queues.makeSerial("test.busy");
-    const auto other = queues.makeSerial("test.other");
-    std::function<void()> again = [&] { busy->async(again); };
-    busy->async(again);
+    // Before the queues, whose end waits for the block that uses them.
+    std::atomic<bool> enough = false;
     Gate ran;
+    Gate rested;
+    std::shared_ptr<platform::DispatchQueue> busy;
+    std::function<void()> again = [&] { enough ? rested.open() : busy->async(again); };
+    AsioDispatchQueues queues(1);
+    busy = queues.makeSerial("test.busy");
+    const auto other = queues.makeSerial("test.other");
+    busy->async(again);
     other->async([&] { ran.open(); });
     EXPECT_TRUE(ran.pass());
+    enough = true;
+    EXPECT_TRUE(rested.pass());
 }
 
 TEST(AsioDispatchQueues, a_block_may_destroy_its_queue) {
