@@ -72,7 +72,7 @@ TEST_F(HttpExchange, header_fields_go_out_verbatim_and_forge_nothing) {
                              "\r\nX-Chinese: \xE8\x81\x8C\r\n", "\r\nContent-Length: 2\r\n"}) {
         EXPECT_NE(sent.find(line), std::string::npos) << line << sent;
     }
-    for (const char* part : {"99", "chunked", "Bad", "Evil", "nameless", "Forged", "Split"})
+    for (const char* part : {": 99", "chunked", "Bad", "Evil", "nameless", "Forged", "Split"})
         EXPECT_EQ(sent.find(part), std::string::npos) << part;
 }
 
