@@ -14,6 +14,13 @@ bool isUsable(const platform::KeychainQuery& query) {
     return std::ranges::all_of(texts, [](const std::string* text) { return text->find('\0') == std::string::npos; });
 }
 
+/// The items that match, in a store that is open from then on.
+util::Result<SecretStore::Items> openAndFind(SecretStore& store, const platform::KeychainQuery& query) {
+    if (!isUsable(query)) return util::serviceError("secret service: a name with a NUL");
+    if (auto opened = store.open(); !opened) return opened.error();
+    return store.find(query);
+}
+
 }  // namespace
 
 template <typename T>
@@ -25,9 +32,7 @@ util::Result<T> SecretServiceKeychain::reported(util::Result<T> outcome) {
 util::Result<void> SecretServiceKeychain::add(const platform::KeychainQuery& query, const util::Bytes& data) {
     return reported([&]() -> util::Result<void> {
         SecretStore store(deadline_);
-        if (!isUsable(query)) return util::serviceError("secret service: a name with a NUL");
-        if (auto opened = store.open(); !opened) return opened;
-        const auto found = store.find(query);
+        const auto found = openAndFind(store, query);
         if (!found) return found.error();
         if (!found->empty()) return util::serviceError("secret service: the item is there already");
         return store.create(query, data);
@@ -37,9 +42,7 @@ util::Result<void> SecretServiceKeychain::add(const platform::KeychainQuery& que
 util::Result<void> SecretServiceKeychain::remove(const platform::KeychainQuery& query) {
     return reported([&]() -> util::Result<void> {
         SecretStore store(deadline_);
-        if (!isUsable(query)) return util::serviceError("secret service: a name with a NUL");
-        if (auto opened = store.open(); !opened) return opened;
-        const auto found = store.find(query);
+        const auto found = openAndFind(store, query);
         if (!found) return found.error();
         for (const auto& item : *found) {
             if (auto destroyed = store.destroy(*item); !destroyed) return destroyed;
@@ -52,9 +55,7 @@ util::Result<std::optional<util::Bytes>> SecretServiceKeychain::copyMatching(con
     using Match = std::optional<util::Bytes>;
     return reported([&]() -> util::Result<Match> {
         SecretStore store(deadline_);
-        if (!isUsable(query)) return util::serviceError("secret service: a name with a NUL");
-        if (auto opened = store.open(); !opened) return opened.error();
-        const auto found = store.find(query);
+        const auto found = openAndFind(store, query);
         if (!found) return found.error();
         if (found->empty()) return Match();
         auto secret = store.secretOf(*found->front());

@@ -15,6 +15,4 @@ Error dataError(std::string description) { return {kDataErrorDomain, 1, std::mov
 
 Error serviceError(std::string description) { return {kServiceErrorDomain, 1, std::move(description)}; }
 
-bool isUrlError(const Error& error, UrlError code) { return error.domain == kUrlErrorDomain && error.code == static_cast<int>(code); }
-
 }  // namespace halvane::util

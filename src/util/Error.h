@@ -42,6 +42,4 @@ Error fileError(int errnoValue, const std::string& subject);
 Error dataError(std::string description);
 Error serviceError(std::string description);
 
-bool isUrlError(const Error& error, UrlError code);
-
 }  // namespace halvane::util
