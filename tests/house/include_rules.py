@@ -4,8 +4,8 @@ import re
 # A view, by its file's name: a class that draws and is allowed Qt.
 VIEW = re.compile(r"(View|Window|Panel|Cell)$")
 # Folders that are Qt's own, and folders that may have views.
-QT_FOLDERS = ("src/app/", "src/qt/", "src/ui/widgets/")
-VIEW_FOLDERS = ("src/ui/", "src/login/", "src/device/", "src/tools/")
+QT_FOLDERS = ("src/app/", "src/qt/", "src/ui/")
+VIEW_FOLDERS = ("src/login/", "src/device/", "src/tools/")
 QT_HEADER = re.compile(r"^(Qt[A-Z]\w*/.*|Q[A-Z]\w*|Qt\w*|q[a-z_]+\.h)$")
 
 # Areas that only the assembly names, because what they offer has a port.
