@@ -19,7 +19,7 @@ using Center = ui::HDCLUICenter;
 LoginView::LoginView(const MakeActions& makeActions, MakeMainWindow makeMainWindow)
     : userNameTF(new ui::IconTextField(QStringLiteral("ui_user"), this)),
       passWordTF(new ui::IconTextField(QStringLiteral("ui_lock"), this)),
-      tipLabel(new ui::ElidedLabel(this)),
+      tipLabel(new ui::ElidedLabel(QString(), Center::font(Center::Type::Caption), Center::colorErr, this)),
       loginBtn(new ui::FilledButton(QStringLiteral("登录"), this)),
       autoLogin(new ui::CheckButton(QStringLiteral("自动登录"), this)),
       forgetPW(new ui::LinkButton(QStringLiteral("忘记密码"), this)),
@@ -51,10 +51,6 @@ void LoginView::placeControls() {
     userNameTF->setGeometry(margin, 144, width, Center::heightControl);
     passWordTF->setGeometry(margin, 200, width, Center::heightControl);
     tipLabel->setGeometry(margin, 244, width, 32);
-    tipLabel->setFont(Center::font(Center::Type::Caption));
-    QPalette colors = tipLabel->palette();
-    colors.setColor(QPalette::WindowText, Center::colorErr);
-    tipLabel->setPalette(colors);
     loginBtn->setVisibleGeometry({margin, 276, width, Center::heightControl});
 
     // The last row runs from 336 to 360, and its drawings line up with the fields: the box stands 2

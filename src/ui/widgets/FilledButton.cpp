@@ -1,39 +1,40 @@
 #include "ui/widgets/FilledButton.h"
 
-#include "ui/widgets/HDCLUICenter.h"
-
 #include <QPainter>
 
 namespace halvane::ui {
 
-FilledButton::FilledButton(const QString& title, QWidget* parent) : PushButton(title, parent) {
-    setFont(HDCLUICenter::font(HDCLUICenter::Type::Body, QFont::Bold));
+using C = HDCLUICenter;
+
+FilledButton::FilledButton(const QString& title, QWidget* parent, C::Type type) : PushButton(title, parent), type_(type) {
+    setGround(Ground::ThemeOrange);
 }
 
 void FilledButton::setGround(Ground ground) {
     ground_ = ground;
+    setFont(C::font(type_, ground == Ground::Slate ? QFont::Normal : QFont::Bold));
     update();
 }
 
-QSize FilledButton::sizeHint() const {
-    constexpr int padding = 24;
-    constexpr int margin = 2 * HDCLUICenter::ringMargin;
-    return {fontMetrics().horizontalAdvance(text()) + 2 * padding + margin, HDCLUICenter::heightControl + margin};
-}
-
 QColor FilledButton::groundColor() const {
-    if (!isEnabled()) return HDCLUICenter::colorDisabledGround;
-    if (ground_ == Ground::Busy) return HDCLUICenter::colorBusy;
-    if (isDown()) return HDCLUICenter::colorThemeOrangePressed;
-    return isHovered() ? HDCLUICenter::colorThemeOrangeHover : HDCLUICenter::colorThemeOrange;
+    if (!isEnabled()) return C::colorDisabledGround;
+    switch (ground_) {
+        case Ground::Busy:
+            return C::colorBusy;
+        case Ground::Slate:
+            return isDown() ? C::colorSlatePressed : isHovered() ? C::colorSlateHover : C::colorSlate;
+        case Ground::ThemeOrange:
+            return isDown() ? C::colorThemeOrangePressed : isHovered() ? C::colorThemeOrangeHover : C::colorThemeOrange;
+    }
+    return {};
 }
 
-QColor FilledButton::titleColor() const { return isEnabled() ? HDCLUICenter::colorOnFill : HDCLUICenter::colorDisabledText; }
+QColor FilledButton::titleColor() const { return isEnabled() ? C::colorOnFill : C::colorDisabledText; }
 
 void FilledButton::paintGround(QPainter& painter, const QRect& visible) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(groundColor());
-    painter.drawRoundedRect(visible, HDCLUICenter::radiusControl, HDCLUICenter::radiusControl);
+    painter.drawRoundedRect(visible, C::radiusControl, C::radiusControl);
 }
 
 }  // namespace halvane::ui

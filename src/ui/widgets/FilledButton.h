@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/widgets/HDCLUICenter.h"
 #include "ui/widgets/PushButton.h"
 
 namespace halvane::ui {
@@ -9,15 +10,14 @@ class FilledButton final : public PushButton {
 public:
     enum class Ground {
         ThemeOrange,
-        Busy  ///< light grey and still; only the look of inactivity, clicks still arrive
+        Slate,  ///< works, but there is no need to; its title is not bold
+        Busy    ///< light grey and still; only the look of inactivity, clicks still arrive
     };
 
-    FilledButton(const QString& title, QWidget* parent);
+    FilledButton(const QString& title, QWidget* parent, HDCLUICenter::Type type = HDCLUICenter::Type::Body);
 
     [[nodiscard]] Ground ground() const { return ground_; }
     void setGround(Ground ground);
-
-    [[nodiscard]] QSize sizeHint() const override;
 
 protected:
     void paintGround(QPainter& painter, const QRect& visible) override;
@@ -26,6 +26,7 @@ protected:
 private:
     [[nodiscard]] QColor groundColor() const;
 
+    HDCLUICenter::Type type_;
     Ground ground_ = Ground::ThemeOrange;
 };
 

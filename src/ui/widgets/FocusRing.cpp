@@ -1,7 +1,5 @@
 #include "ui/widgets/FocusRing.h"
 
-#include "ui/widgets/HDCLUICenter.h"
-
 #include <QFocusEvent>
 #include <QPainter>
 
@@ -23,13 +21,12 @@ void FocusRing::focusOut(const QFocusEvent& event) {
     if (!isPassing(event.reason())) shown_ = false;
 }
 
-void FocusRing::paint(QPainter& painter, const QRect& control) const {
+void FocusRing::paint(QPainter& painter, const QRect& control, int radius) const {
     if (!shown_) return;
     constexpr qreal half = HDCLUICenter::ringWidth / 2.0;
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(HDCLUICenter::colorInk, HDCLUICenter::ringWidth));
-    painter.drawRoundedRect(QRectF(control).adjusted(half, half, -half, -half), HDCLUICenter::ringRadius - half,
-                            HDCLUICenter::ringRadius - half);
+    painter.drawRoundedRect(QRectF(control).adjusted(half, half, -half, -half), radius - half, radius - half);
 }
 
 }  // namespace halvane::ui

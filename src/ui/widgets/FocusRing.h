@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/widgets/HDCLUICenter.h"
+
 #include <QRect>
 
 class QFocusEvent;
@@ -15,8 +17,9 @@ public:
     void focusOut(const QFocusEvent& event);
     [[nodiscard]] bool isShown() const { return shown_; }
 
-    /// Into the margin that the control reserves: `control` is the control's whole rectangle.
-    void paint(QPainter& painter, const QRect& control) const;
+    /// Just inside `control`: of buttons the whole rectangle with the margin that they reserve, of rows
+    /// and tool buttons what they draw.
+    void paint(QPainter& painter, const QRect& control, int radius = HDCLUICenter::ringRadius) const;
 
 private:
     bool shown_ = false;

@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QPalette>
+#include <QStyle>
 #include <QToolTip>
+#include <algorithm>
 
 namespace halvane::ui {
 
@@ -40,6 +42,15 @@ QFont HDCLUICenter::font(Type type, QFont::Weight weight) {
     font.setWeight(weight);
     return font;
 }
+
+QRect HDCLUICenter::contentColumn(QSize page) {
+    constexpr int margin = 40;
+    constexpr int widest = 920;
+    const int width = std::min(widest, page.width() - 2 * margin);
+    return {(page.width() - width) / 2, 0, width, page.height()};
+}
+
+bool HDCLUICenter::animates() { return QApplication::style()->styleHint(QStyle::SH_Widget_Animation_Duration) > 0; }
 
 void HDCLUICenter::applyTo(QApplication& application) {
     // Fusion is built in; a desktop's own style would be a plug-in to load, and paint over what we draw.

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QLineEdit>
+#include "ui/widgets/TextField.h"
 
 namespace halvane::ui {
 
-/// A line of text with an image at its left and a border that says whether it has the keyboard.
-class IconTextField final : public QLineEdit {
+/// A field with an image at its left.
+class IconTextField final : public TextField {
 public:
     /// An image of 20 pixels, by name.
     IconTextField(const QString& imageName, QWidget* parent);
@@ -15,11 +15,8 @@ public:
     void placeCursor();
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
+    void paintBesideText(QPainter& painter) override;
     void focusInEvent(QFocusEvent* event) override;
-    void enterEvent(QEnterEvent* event) override;
-    void leaveEvent(QEvent* event) override;
-    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     void updateFont();

@@ -17,6 +17,7 @@ public:
 protected:
     void paintGround(QPainter& painter, const QRect& visible) override;
     [[nodiscard]] QColor titleColor() const override;
+    [[nodiscard]] int titlePadding() const override { return padding; }
 };
 
 }  // namespace halvane::ui

@@ -1,33 +1,50 @@
 #include "ui/widgets/PushButton.h"
 
 #include "ui/widgets/HDCLUICenter.h"
+#include "ui/widgets/WholeTextTip.h"
 
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 
 namespace halvane::ui {
 
+namespace {
+
+constexpr int kMargin = HDCLUICenter::ringMargin;
+
+}  // namespace
+
 PushButton::PushButton(const QString& title, QWidget* parent) : QPushButton(title, parent) { setFocusPolicy(Qt::TabFocus); }
 
-void PushButton::setVisibleGeometry(const QRect& geometry) {
-    constexpr int margin = HDCLUICenter::ringMargin;
-    setGeometry(geometry.adjusted(-margin, -margin, margin, margin));
+void PushButton::setVisibleGeometry(const QRect& geometry) { setGeometry(geometry.adjusted(-kMargin, -kMargin, kMargin, kMargin)); }
+
+QRect PushButton::visibleRect() const { return rect().adjusted(kMargin, kMargin, -kMargin, -kMargin); }
+
+QSize PushButton::sizeHint() const {
+    return {fontMetrics().horizontalAdvance(text()) + 2 * (titlePadding() + kMargin), HDCLUICenter::heightControl + 2 * kMargin};
 }
 
-QRect PushButton::visibleRect() const {
-    constexpr int margin = HDCLUICenter::ringMargin;
-    return rect().adjusted(margin, margin, -margin, -margin);
-}
+QRect PushButton::titleRect() const { return visibleRect().adjusted(titlePadding(), 0, -titlePadding(), 0); }
 
 void PushButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRect visible = visibleRect();
-    paintGround(painter, visible);
+    paintGround(painter, visibleRect());
     painter.setFont(font());
     painter.setPen(titleColor());
-    painter.drawText(visible, Qt::AlignCenter, text());
-    ring_.paint(painter, rect());
+    const QRect title = titleRect();
+    painter.drawText(title, Qt::AlignCenter | Qt::TextSingleLine, fontMetrics().elidedText(text(), Qt::ElideRight, title.width()));
+    paintFocus(painter);
+}
+
+void PushButton::paintFocus(QPainter& painter) const { ring_.paint(painter, rect()); }
+
+bool PushButton::event(QEvent* event) {
+    const bool cut = fontMetrics().horizontalAdvance(text()) > titleRect().width();
+    if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || !cut) return QPushButton::event(event);
+    WholeTextTip::show(*static_cast<QHelpEvent*>(event), *this, text());
+    return true;
 }
 
 void PushButton::keyPressEvent(QKeyEvent* event) {

@@ -1,0 +1,139 @@
+#include "ui/widgets/OverlayView.h"
+
+#include "ui/widgets/HDCLUICenter.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QGraphicsOpacityEffect>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPropertyAnimation>
+
+namespace halvane::ui {
+
+namespace {
+
+using C = HDCLUICenter;
+
+constexpr int kShadowBlur = 24;
+constexpr int kShadowDrop = 8;
+constexpr int kFade = 150;  // milliseconds
+
+/// As many rings as the blur is wide; each adds a little, so that the shadow fades like a blurred one.
+void paintShadow(QPainter& painter, const QRect& panel) {
+    painter.setPen(Qt::NoPen);
+    QColor ring = C::colorShadow;
+    ring.setAlphaF(C::colorShadow.alphaF() / kShadowBlur * 1.6f);
+    painter.setBrush(ring);
+    for (int grow = kShadowBlur; grow > -kShadowBlur / 2; grow -= 2) {
+        const QRectF area = QRectF(panel).adjusted(-grow, -grow, grow, grow).translated(0, kShadowDrop);
+        painter.drawRoundedRect(area, C::radiusCard + std::max(0, grow), C::radiusCard + std::max(0, grow));
+    }
+}
+
+}  // namespace
+
+/// White with round corners. Keeps clicks beside its controls from counting as outside.
+class OverlayView::RaisedPanel final : public QWidget {
+public:
+    using QWidget::QWidget;
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(C::colorCard);
+        painter.drawRoundedRect(rect(), C::radiusCard, C::radiusCard);
+    }
+    void mousePressEvent(QMouseEvent* event) override { event->accept(); }
+};
+
+OverlayView::OverlayView(const QString& name, Ground ground) : ground_(ground), panel_(new RaisedPanel(this)) {
+    setAccessibleName(name);
+    panel_->setAccessibleName(name);
+}
+
+QWidget& OverlayView::panel() const { return *panel_; }
+
+void OverlayView::overlay(QWidget* view) {
+    before_ = QApplication::focusWidget();
+    // A click leaves the keyboard where it is, so a button that has it was worked by keyboard, and the
+    // person shall see where the keyboard went.
+    reason_ = qobject_cast<QAbstractButton*>(before_) ? Qt::TabFocusReason : Qt::PopupFocusReason;
+    if (view_) view_->removeEventFilter(this);
+    view_ = view;
+    view->installEventFilter(this);
+    setParent(view);
+    setGeometry(view->rect());
+    raise();
+    fadeIn();
+    show();
+    if (QWidget* first = firstResponder()) {
+        first->setFocus(reason_);
+    } else {
+        focusNextPrevChild(true);
+    }
+}
+
+void OverlayView::withdraw() {
+    if (!view_) return;
+    const bool hadKeyboard = isAncestorOf(QApplication::focusWidget()) || QApplication::focusWidget() == this;
+    view_->removeEventFilter(this);
+    view_ = nullptr;
+    hide();
+    setParent(nullptr);
+    if (hadKeyboard && before_ && before_->isVisible()) before_->setFocus(reason_);
+}
+
+void OverlayView::fadeIn() {
+    if (!C::animates()) return;
+    auto* effect = new QGraphicsOpacityEffect(this);
+    setGraphicsEffect(effect);
+    auto* fade = new QPropertyAnimation(effect, "opacity", effect);
+    fade->setDuration(kFade);
+    fade->setStartValue(0.0);
+    fade->setEndValue(1.0);
+    // The effect paints by way of a picture, so it does not stay. It owns the animation that ends it.
+    QObject::connect(
+        fade, &QPropertyAnimation::finished, this, [this] { setGraphicsEffect(nullptr); }, Qt::QueuedConnection);
+    fade->start();
+}
+
+bool OverlayView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == view_ && event->type() == QEvent::Resize) setGeometry(view_->rect());
+    return QWidget::eventFilter(watched, event);
+}
+
+void OverlayView::resizeEvent(QResizeEvent*) { panel_->move(panelPlace(size())); }
+
+void OverlayView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (ground_ == Ground::Scrim) painter.fillRect(rect(), C::colorScrim);
+    paintShadow(painter, panel_->geometry());
+}
+
+void OverlayView::mousePressEvent(QMouseEvent*) { clickedOutside(); }
+
+void OverlayView::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) return cancelOperation();
+    QWidget::keyPressEvent(event);
+}
+
+bool OverlayView::focusNextPrevChild(bool next) {
+    QWidget* start = QApplication::focusWidget();
+    if (!start || (start != this && !isAncestorOf(start))) start = this;
+    QWidget* each = start;
+    do {
+        each = next ? each->nextInFocusChain() : each->previousInFocusChain();
+        const bool stop = isAncestorOf(each) && (each->focusPolicy() & Qt::TabFocus) != 0 && each->isEnabled() && each->isVisibleTo(this);
+        if (!stop) continue;
+        each->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+        return true;
+    } while (each != start);
+    return true;
+}
+
+}  // namespace halvane::ui
