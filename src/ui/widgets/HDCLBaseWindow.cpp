@@ -77,6 +77,7 @@ void HDCLBaseWindow::setBackgroundPattern(const QString& imageName, QSize tile) 
 }
 
 void HDCLBaseWindow::center() {
+    if (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) return;  // moving would unzoom it
     const QRect usable = screen()->availableGeometry();
     QRect frame(QPoint(), frameSize());
     frame.moveCenter(usable.center());

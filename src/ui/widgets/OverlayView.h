@@ -7,7 +7,8 @@ namespace halvane::ui {
 
 /// Lies over all of another view, keeps the pointer and the keyboard to itself, and shows one raised
 /// panel. Tab goes round within it; Escape dismisses it. What had the keyboard before gets it back.
-/// Owned by whoever made it, whether it is shown or not; it leaves a view that goes before it. Main thread.
+/// Owned by whoever made it, whether it is shown or not, and withdrawn or destroyed before the view that
+/// it lies over. Main thread.
 class OverlayView : public QWidget {
 public:
     enum class Ground { Clear, Scrim };

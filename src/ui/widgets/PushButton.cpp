@@ -34,7 +34,8 @@ void PushButton::paintEvent(QPaintEvent*) {
     painter.setFont(font());
     painter.setPen(titleColor());
     const QRect title = titleRect();
-    painter.drawText(title, Qt::AlignCenter | Qt::TextSingleLine, fontMetrics().elidedText(text(), Qt::ElideRight, title.width()));
+    painter.drawText(title, static_cast<int>(titleAlignment()) | Qt::TextSingleLine,
+                     fontMetrics().elidedText(text(), Qt::ElideRight, title.width()));
     paintFocus(painter);
 }
 
@@ -52,7 +53,9 @@ void PushButton::keyPressEvent(QKeyEvent* event) {
         if (!event->isAutoRepeat()) click();
         return;
     }
-    QPushButton::keyPressEvent(event);
+    // Qt's buttons would take the arrow keys for Tab; here they belong to the list or grid around.
+    const bool arrow = event->key() >= Qt::Key_Left && event->key() <= Qt::Key_Down;
+    arrow ? event->ignore() : QPushButton::keyPressEvent(event);
 }
 
 void PushButton::focusInEvent(QFocusEvent* event) {

@@ -26,7 +26,7 @@ protected:
     [[nodiscard]] virtual int titlePadding() const { return 12; }
     /// Where the title stands.
     [[nodiscard]] virtual QRect titleRect() const;
-    /// With its title in `visible`, and the focus ring.
+    [[nodiscard]] virtual Qt::Alignment titleAlignment() const { return Qt::AlignCenter; }
     virtual void paintFocus(QPainter& painter) const;
     [[nodiscard]] const FocusRing& focusRing() const { return ring_; }
 

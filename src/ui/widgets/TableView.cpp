@@ -51,7 +51,7 @@ protected:
 };
 
 TableView::TableView(const QString& name, const Settings& settings, DataSource dataSource, QWidget* parent)
-    : QScrollArea(parent), settings_(settings), dataSource_(std::move(dataSource)) {
+    : QScrollArea(parent), settings_(settings), dataSource_(std::move(dataSource)), anchor_(new QWidget) {
     AccessibleRow::install();
     setAccessibleName(name);
     setFocusPolicy(Qt::NoFocus);
@@ -70,6 +70,9 @@ TableView::TableView(const QString& name, const Settings& settings, DataSource d
     auto* content = new QWidget;
     setWidget(content);
     content->setAutoFillBackground(false);
+    anchor_->setParent(content);
+    anchor_->setFocusPolicy(Qt::ClickFocus);  // without one it would not count as a place in the order
+    anchor_->hide();
     viewport()->setAutoFillBackground(false);
     if (settings.frame == Frame::Round) {
         setViewportMargins(1, 1, 1, 1);
@@ -96,7 +99,7 @@ void TableView::reloadData() {
     setTabStop(std::clamp(tabStop_, 0, std::max(0, count - 1)));
     orderTabs();
     placeRows();
-    if (has(keyboard) && rowWithKeyboard() < 0) rows_[static_cast<std::size_t>(keyboard)]->setFocus(Qt::OtherFocusReason);
+    if (has(keyboard) && rowWithKeyboard() != keyboard) rows_[static_cast<std::size_t>(keyboard)]->setFocus(Qt::OtherFocusReason);
 }
 
 void TableView::adopt(int row, RowView* view) {
@@ -110,7 +113,7 @@ void TableView::adopt(int row, RowView* view) {
 
 /// Rows that were made later than the controls that follow the table still come before them.
 void TableView::orderTabs() {
-    QWidget* last = this;
+    QWidget* last = anchor_;
     for (RowView* row : rows_) {
         setTabOrder(last, row);
         last = row;

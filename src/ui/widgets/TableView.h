@@ -69,6 +69,7 @@ private:
     Settings settings_;
     DataSource dataSource_;
     std::vector<RowView*> rows_;  ///< children of the scrolled widget
+    QWidget* anchor_;             ///< never shown; after it come the rows in the order of Tab
     CornerFrame* frame_ = nullptr;
     int selectedRow_ = -1;
     int tabStop_ = 0;
