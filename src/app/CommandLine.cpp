@@ -10,6 +10,12 @@ namespace {
 
 util::Error usage(const std::string& problem) { return util::dataError(problem + "; see halvane --help"); }
 
+CommandLine::Wish wishOf(const std::string& argument) {
+    if (argument == "--uninstall") return CommandLine::Wish::Uninstall;
+    if (argument == "--quit") return CommandLine::Wish::Quit;
+    return CommandLine::Wish::None;
+}
+
 }  // namespace
 
 util::Result<CommandLine> CommandLine::parse(const std::vector<std::string>& arguments) {
@@ -21,6 +27,9 @@ util::Result<CommandLine> CommandLine::parse(const std::vector<std::string>& arg
             line.action = Action::ShowHelp;
         } else if (argument == "--version" || argument == "-V") {
             line.action = Action::ShowVersion;
+        } else if (const Wish wish = wishOf(argument); wish != Wish::None) {
+            if (line.wish != Wish::None && line.wish != wish) return usage("--uninstall and --quit exclude each other");
+            line.wish = wish;
         } else if (argument == kServer || argument.starts_with(std::string(kServer) + "=")) {
             if (argument == kServer && i + 1 == arguments.size()) return usage("--server needs an address");
             auto address = serverAddress(argument == kServer ? arguments[++i] : argument.substr(kServer.size() + 1));
@@ -47,6 +56,8 @@ std::string CommandLine::help() {
            "Signs you in to your company, and keeps this computer on the company network.\n"
            "\n"
            "  --server URL   ask this company server (also: HALVANE_SERVER)\n"
+           "  --uninstall    ask for the removal of this client\n"
+           "  --quit         end the running client\n"
            "  --version      print the version and end\n"
            "  --help         print this help and end\n"
            "\n"

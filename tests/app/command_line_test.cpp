@@ -6,6 +6,7 @@ namespace halvane::app {
 namespace {
 
 using Action = CommandLine::Action;
+using Wish = CommandLine::Wish;
 
 TEST(CommandLine, understands_what_it_offers) {
     struct Row {
@@ -13,6 +14,7 @@ TEST(CommandLine, understands_what_it_offers) {
         std::vector<std::string> arguments;
         Action action;
         std::optional<std::string> server;
+        Wish wish = Wish::None;
     };
     const Row rows[] = {
         {"nothing", {}, Action::Run, std::nullopt},
@@ -21,6 +23,9 @@ TEST(CommandLine, understands_what_it_offers) {
         {"slashes at the end", {"--server", "HTTP://[::1]:80//"}, Action::Run, "HTTP://[::1]:80"},
         {"help", {"--server", "http://h", "--help"}, Action::ShowHelp, "http://h"},
         {"version", {"--version"}, Action::ShowVersion, std::nullopt},
+        {"uninstall", {"--uninstall"}, Action::Run, std::nullopt, Wish::Uninstall},
+        {"uninstall, said twice", {"--uninstall", "--server", "http://h", "--uninstall"}, Action::Run, "http://h", Wish::Uninstall},
+        {"quit", {"--quit"}, Action::Run, std::nullopt, Wish::Quit},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -28,6 +33,7 @@ TEST(CommandLine, understands_what_it_offers) {
         ASSERT_TRUE(line) << line.error().description;
         EXPECT_EQ(line->action, row.action);
         EXPECT_EQ(line->server, row.server);
+        EXPECT_EQ(line->wish, row.wish);
     }
 }
 
@@ -43,6 +49,9 @@ TEST(CommandLine, says_what_it_does_not_understand) {
         {"no host", {"--server", "http://"}, "http://"},
         {"no host but slashes", {"--server", "http:////"}, "http://"},
         {"a space", {"--server", "http://h /"}, "http://"},
+        {"two wishes", {"--uninstall", "--quit"}, "exclude each other"},
+        {"two wishes, the other way round", {"--quit", "--server=http://h", "--uninstall"}, "exclude each other"},
+        {"a wish with a value", {"--quit=now"}, "\"--quit=now\""},
         {"a query", {"--server", "http://h?x"}, "http://"},
     };
     for (const auto& [name, arguments, part] : rows) {
