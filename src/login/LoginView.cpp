@@ -2,14 +2,13 @@
 
 #include "ui/widgets/AlertSheet.h"
 #include "ui/widgets/CheckButton.h"
-#include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/FilledButton.h"
 #include "ui/widgets/HDCLUICenter.h"
 #include "ui/widgets/IconTextField.h"
 #include "ui/widgets/ImageView.h"
 #include "ui/widgets/LinkButton.h"
+#include "ui/widgets/TipLabel.h"
 
-#include <QAccessible>
 #include <utility>
 
 namespace halvane::login {
@@ -19,7 +18,7 @@ using Center = ui::HDCLUICenter;
 LoginView::LoginView(const MakeActions& makeActions, MakeMainWindow makeMainWindow)
     : userNameTF(new ui::IconTextField(QStringLiteral("ui_user"), this)),
       passWordTF(new ui::IconTextField(QStringLiteral("ui_lock"), this)),
-      tipLabel(new ui::ElidedLabel(QString(), Center::font(Center::Type::Caption), Center::colorErr, this)),
+      tipLabel(new ui::TipLabel(this)),
       loginBtn(new ui::FilledButton(QStringLiteral("登录"), this)),
       autoLogin(new ui::CheckButton(QStringLiteral("自动登录"), this)),
       forgetPW(new ui::LinkButton(QStringLiteral("忘记密码"), this)),
@@ -80,6 +79,7 @@ void LoginView::nameControls() {
     // and the tip are called by their texts.
     userNameTF->setAccessibleName(QStringLiteral("用户名"));
     passWordTF->setAccessibleName(QStringLiteral("密码"));
+    tipLabel->setControls({userNameTF, passWordTF, loginBtn});
 }
 
 void LoginView::connectControls() {
@@ -118,17 +118,7 @@ void LoginView::setAutoLoginState(bool on) {
     isSettingState_ = false;
 }
 
-void LoginView::setTip(const std::string& text) {
-    const auto tip = QString::fromStdString(text);
-    tipLabel->setWholeText(tip);
-    // A screen reader speaks of the control that has the keyboard, and Qt's bridge of today keeps alerts
-    // to itself, so the tip also describes the controls of the login.
-    for (QWidget* control : {static_cast<QWidget*>(userNameTF), static_cast<QWidget*>(passWordTF), static_cast<QWidget*>(loginBtn)})
-        control->setAccessibleDescription(tip);
-    if (text.empty()) return;
-    QAccessibleEvent alert(tipLabel, QAccessible::Alert);
-    QAccessible::updateAccessibility(&alert);
-}
+void LoginView::setTip(const std::string& text) { tipLabel->setTip(QString::fromStdString(text)); }
 
 void LoginView::setLook(Look look) {
     switch (look) {
@@ -152,6 +142,7 @@ void LoginView::showMainWindow() {
     MainW_->setDelegate(this);
     MainW_->center();
     MainW_->makeKeyAndOrderFront();
+    if (mainWindowShown) mainWindowShown();
 }
 
 bool LoginView::windowShouldClose(ui::HDCLBaseWindow& window) {

@@ -11,10 +11,10 @@
 
 namespace halvane::ui {
 class CheckButton;
-class ElidedLabel;
 class FilledButton;
 class IconTextField;
 class LinkButton;
+class TipLabel;
 }  // namespace halvane::ui
 
 namespace halvane::login {
@@ -30,6 +30,9 @@ public:
     /// `makeActions` is called once, when the controls stand; `makeMainWindow` at every login.
     LoginView(const MakeActions& makeActions, MakeMainWindow makeMainWindow);
     ~LoginView() override;
+
+    /// Called after each main window came to the screen; may be empty.
+    std::function<void()> mainWindowShown;
 
     /// The main window of the last login; null before the first.
     [[nodiscard]] ui::HDCLBaseWindow* MainW() const { return MainW_.get(); }
@@ -59,7 +62,7 @@ private:
     // Set once in the constructor; children of this view.
     ui::IconTextField* userNameTF;
     ui::IconTextField* passWordTF;
-    ui::ElidedLabel* tipLabel;
+    ui::TipLabel* tipLabel;
     ui::FilledButton* loginBtn;
     ui::CheckButton* autoLogin;
     ui::LinkButton* forgetPW;

@@ -9,7 +9,7 @@ namespace halvane::ui {
 
 /// One line of text, plain or styled. What does not fit is elided on the right, and a tool tip then shows
 /// the whole.
-class ElidedLabel final : public QLabel {
+class ElidedLabel : public QLabel {
 public:
     using QLabel::QLabel;
     ElidedLabel(const QString& text, const QFont& font, const QColor& color, QWidget* parent);

@@ -15,9 +15,7 @@ QPixmap NamedImage::pixmap(const QString& name, QSize size, qreal devicePixelRat
     const QString key = QStringLiteral("halvane:%1:%2x%3").arg(name).arg(pixels.width()).arg(pixels.height());
     QPixmap image;
     if (!QPixmapCache::find(key, &image)) {
-        static const bool initialised = (initImages(), true);
-        Q_UNUSED(initialised);
-        QSvgRenderer drawing(QStringLiteral(":/images/%1.svg").arg(name));
+        QSvgRenderer drawing(file(name + QStringLiteral(".svg")));
         if (!drawing.isValid()) return {};
         image = QPixmap(pixels);
         image.fill(Qt::transparent);
@@ -28,6 +26,12 @@ QPixmap NamedImage::pixmap(const QString& name, QSize size, qreal devicePixelRat
     }
     image.setDevicePixelRatio(devicePixelRatio);
     return image;
+}
+
+QString NamedImage::file(const QString& fileName) {
+    static const bool initialised = (initImages(), true);
+    Q_UNUSED(initialised);
+    return QStringLiteral(":/images/") + fileName;
 }
 
 void NamedImage::paint(QPainter& painter, const QString& name, const QRect& target) {

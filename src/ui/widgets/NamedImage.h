@@ -16,6 +16,9 @@ public:
     /// not exist gives an empty pixmap, and Qt warns.
     [[nodiscard]] static QPixmap pixmap(const QString& name, QSize size, qreal devicePixelRatio);
 
+    /// Where an image that is no drawing stands; `fileName` with its suffix.
+    [[nodiscard]] static QString file(const QString& fileName);
+
     /// Draws it into `target` of the painter's widget.
     static void paint(QPainter& painter, const QString& name, const QRect& target);
 };

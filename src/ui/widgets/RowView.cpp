@@ -19,7 +19,7 @@ void RowView::setSelected(bool selected) {
 }
 
 QColor RowView::groundColor() const {
-    if (selected_ && look_.selected.isValid()) return look_.selected;
+    if (isMarked() && look_.selected.isValid()) return look_.selected;
     if (pressed_) return look_.pressed;
     return underMouse() && isEnabled() ? look_.hover : QColor();
 }

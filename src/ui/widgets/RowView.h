@@ -39,7 +39,8 @@ public:
 protected:
     /// What the row draws within, in its own coordinates.
     [[nodiscard]] QRect visibleRect() const { return rect().marginsRemoved(look_.inset); }
-    [[nodiscard]] bool isPressed() const { return pressed_; }
+    /// Whether it is drawn as selected.
+    [[nodiscard]] virtual bool isMarked() const { return selected_; }
     /// After the row was selected or was no longer.
     virtual void selectionChanged() {}
 

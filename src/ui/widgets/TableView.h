@@ -47,7 +47,9 @@ public:
     void selectRow(int row);
 
     [[nodiscard]] const std::vector<RowView*>& rows() const { return rows_; }
-    /// The keyboard to the row that Tab stops at.
+    /// The row that Tab stops at, until the keyboard moves on.
+    void setTabStop(int row);
+    /// The keyboard to that row.
     void takeKeyboard(Qt::FocusReason reason);
 
 protected:
@@ -62,7 +64,6 @@ private:
     void orderTabs();
     void choose(int row);
     void moveTo(int row);
-    void setTabStop(int row);
     [[nodiscard]] int rowWithKeyboard() const;
     [[nodiscard]] bool has(int row) const { return row >= 0 && row < static_cast<int>(rows_.size()); }
 
