@@ -2,6 +2,7 @@
 
 #include "platform/Updater.h"
 #include "session/HDCLUserConfig.h"
+#include "ui/main/MainView.h"
 #include "ui/widgets/HDCLUICenter.h"
 
 #include <utility>
@@ -24,8 +25,27 @@ void AppDelegate::applicationDidFinishLaunching() {
 void AppDelegate::applicationWillTerminate() {}
 
 void AppDelegate::applicationShouldHandleReopen() {
-    ui::HDCLBaseWindow* main = loginView().MainW();
-    (main && main->isVisible() ? *main : loginW()).makeKeyAndOrderFront();
+    ui::HDCLBaseWindow* main = mainWindowInUse();
+    (main ? *main : loginW()).makeKeyAndOrderFront();
+}
+
+void AppDelegate::applicationShouldUninstall() {
+    uninstallWanted_ = true;
+    if (mainWindowInUse()) {
+        mainWindowShown();
+    } else {
+        loginW().makeKeyAndOrderFront();
+    }
+}
+
+ui::MainWindow* AppDelegate::mainWindowInUse() {
+    auto* main = dynamic_cast<ui::MainWindow*>(loginView().MainW());
+    return main && main->isVisible() ? main : nullptr;
+}
+
+void AppDelegate::mainWindowShown() {
+    if (!std::exchange(uninstallWanted_, false)) return;
+    if (auto* main = mainWindowInUse()) main->mainView().showUninstallAlert();
 }
 
 void AppDelegate::addNoti() {
@@ -57,7 +77,10 @@ LoginWindow& AppDelegate::loginW() {
 }
 
 login::LoginView& AppDelegate::loginView() {
-    if (!loginView_) loginView_ = collaborators_.makeLoginView();
+    if (!loginView_) {
+        loginView_ = collaborators_.makeLoginView();
+        loginView_->mainWindowShown = [this] { mainWindowShown(); };
+    }
     return *loginView_;
 }
 

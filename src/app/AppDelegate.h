@@ -38,6 +38,9 @@ public:
     void applicationWillTerminate();
     /// Someone started the program again: the window that is in use comes to the front.
     void applicationShouldHandleReopen();
+    /// The person wants to remove the client: the main window comes to the front with the uninstall reminder;
+    /// while nobody is signed in the login window does, and the reminder follows the login.
+    void applicationShouldUninstall();
 
     void addNoti();
     void showLoginWindow();
@@ -53,9 +56,14 @@ public:
     bool windowShouldClose(ui::HDCLBaseWindow& window) override;
 
 private:
+    /// The main window of the session, as long as it is not hidden.
+    [[nodiscard]] ui::MainWindow* mainWindowInUse();
+    void mainWindowShown();
+
     Collaborators collaborators_;
     std::optional<util::NotificationCenter::Token> observer_;
     std::shared_ptr<AppDelegate*> self_;  ///< what the observer holds weakly
+    bool uninstallWanted_ = false;        ///< until somebody is signed in
 
     // In this order: a view goes before the window that shows it.
     std::unique_ptr<LoginWindow> loginW_;

@@ -25,7 +25,9 @@
 #include "service/HVRequstHelper.h"
 #include "session/HDCLUserConfig.h"
 #include "session/KTKeyChain.h"
+#include "session/WorkAddressInfoHelper.h"
 #include "tools/HVMobileConfigTool.h"
+#include "tools/UninstallAuthorisation.h"
 #include "util/NotificationCenter.h"
 #include "util/SharedInstance.h"
 
@@ -42,13 +44,15 @@ struct Services::Parts {
         : mainLoop(std::move(loop)),
           directories(std::move(places)),
           preferences(files, directories.configuration() / "preferences.plist", log),
+          updater(log, settings.inform),
           launcher(std::make_unique<linux::PosixProcessLauncher>(settings.toolRoot)),
           reachability(*mainLoop),
-          client({transport, mainLoop, user, directories, reachability, std::string("Halvane/") + Deployment::kVersion, settings.language}),
+          client({transport, mainLoop, user, directories, reachability, userAgent, settings.language}),
           requests(client, settings.serverBaseUrl),
           serverBaseUrl(settings.serverBaseUrl) {}
 
     const std::shared_ptr<platform::MainLoop> mainLoop;
+    const std::string userAgent = std::string("Halvane/") + Deployment::kVersion;
     linux::SystemLog log;
     linux::PosixFileStore files;
     const linux::XdgDirectories directories;
@@ -61,7 +65,7 @@ struct Services::Parts {
     linux::LinuxSystemCounters counters{systemFiles};
     linux::LinuxNetworkInterfaces interfaces{systemFiles};
     linux_http::CurlTransport transport;
-    linux::UnavailableUpdater updater{log};
+    linux::UnavailableUpdater updater;
     std::unique_ptr<linux::PosixProcessLauncher> launcher;
     linux::NetworkManagerReachability reachability;
     std::unique_ptr<linux::UnixSingleInstance> singleInstance =
@@ -69,10 +73,12 @@ struct Services::Parts {
     std::unique_ptr<linux::AsioDispatchQueues> queues = std::make_unique<linux::AsioDispatchQueues>();
     std::shared_ptr<platform::DispatchQueue> credentialQueue = queues->makeSerial("com.halvane.credentials");
     std::shared_ptr<platform::DispatchQueue> toolQueue = queues->makeSerial("com.halvane.tools");
+    std::shared_ptr<platform::DispatchQueue> workQueue = queues->makeConcurrent("com.halvane.work");
 
     util::NotificationCenter notifications;
     HDCLProjectConfig project{Deployment::kVersion};
     session::HDCLUserConfig user{preferences, files, directories};
+    session::WorkAddressInfoHelper workplaces{preferences};
     session::KTKeyChain keyChain{keychain, log};
     service::APIClient client;
     service::HVRequstHelper requests;
@@ -117,6 +123,22 @@ platform::Updater& Services::updater() { return parts_->updater; }
 util::NotificationCenter& Services::notifications() { return parts_->notifications; }
 util::Log& Services::log() { return parts_->log; }
 session::HDCLUserConfig& Services::user() { return parts_->user; }
+session::WorkAddressInfoHelper& Services::workplaces() { return parts_->workplaces; }
+service::HVRequstHelper& Services::requests() { return parts_->requests; }
+platform::Preferences& Services::preferences() { return parts_->preferences; }
+platform::HttpTransport& Services::transport() { return parts_->transport; }
+platform::FileStore& Services::files() { return parts_->files; }
+const platform::Directories& Services::directories() { return parts_->directories; }
+std::shared_ptr<platform::DispatchQueue> Services::mainQueue() { return parts_->mainLoop; }
+std::shared_ptr<platform::DispatchQueue> Services::workQueue() { return parts_->workQueue; }
+HDCLProjectConfig& Services::project() { return parts_->project; }
+std::string Services::userAgent() const { return parts_->userAgent; }
+
+std::unique_ptr<tools::UninstallAuthorisation> Services::makeUninstallAuthorisation() {
+    Parts& my = *parts_;
+    return std::make_unique<tools::UninstallAuthorisation>(
+        tools::UninstallAuthorisation::Collaborators{*my.toolQueue, my.mainLoop, my.user, my.requests, my.device});
+}
 
 std::unique_ptr<login::LoginFlow> Services::makeLoginFlow(login::LoginScreen& screen, platform::Browser& browser) {
     Parts& my = *parts_;

@@ -5,16 +5,33 @@
 #include "util/Result.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 
 namespace halvane::platform {
+class Directories;
+class DispatchQueue;
+class FileStore;
+class HttpTransport;
 class MainLoop;
+class Preferences;
 class Reachability;
 class Updater;
 }  // namespace halvane::platform
+namespace halvane::service {
+class HVRequstHelper;
+}
+namespace halvane::session {
+class WorkAddressInfoHelper;
+}
+namespace halvane::tools {
+class UninstallAuthorisation;
+}
 
 namespace halvane::app {
+
+class HDCLProjectConfig;
 
 /// Everything of the program that has no window, put together: the Linux side of each port, and the
 /// session, service, device, tools and login objects above them. Main thread.
@@ -22,9 +39,10 @@ class Services {
 public:
     struct Settings {
         std::string serverBaseUrl;
-        std::filesystem::path toolRoot;   ///< where the system's command-line tools are looked up first
-        std::filesystem::path resources;  ///< files shipped with the program
-        std::string language;             ///< such as "zh-CN"
+        std::filesystem::path toolRoot;                  ///< where the system's command-line tools are looked up first
+        std::filesystem::path resources;                 ///< files shipped with the program
+        std::string language;                            ///< such as "zh-CN"
+        std::function<void(const std::string&)> inform;  ///< shows the person a sentence
     };
 
     /// Errors are sentences for the person at the terminal, such as that there is no home directory.
@@ -41,9 +59,21 @@ public:
     [[nodiscard]] util::NotificationCenter& notifications();
     [[nodiscard]] util::Log& log();
     [[nodiscard]] session::HDCLUserConfig& user();
+    [[nodiscard]] session::WorkAddressInfoHelper& workplaces();
+    [[nodiscard]] service::HVRequstHelper& requests();
+    [[nodiscard]] platform::Preferences& preferences();
+    [[nodiscard]] platform::HttpTransport& transport();
+    [[nodiscard]] platform::FileStore& files();
+    [[nodiscard]] const platform::Directories& directories();
+    [[nodiscard]] std::shared_ptr<platform::DispatchQueue> mainQueue();
+    /// Concurrent, for work that would hold up the main thread.
+    [[nodiscard]] std::shared_ptr<platform::DispatchQueue> workQueue();
+    [[nodiscard]] HDCLProjectConfig& project();
+    [[nodiscard]] std::string userAgent() const;
 
     /// `browser` outlives the flow.
     [[nodiscard]] std::unique_ptr<login::LoginFlow> makeLoginFlow(login::LoginScreen& screen, platform::Browser& browser);
+    [[nodiscard]] std::unique_ptr<tools::UninstallAuthorisation> makeUninstallAuthorisation();
 
 private:
     struct Parts;

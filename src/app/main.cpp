@@ -1,17 +1,14 @@
-#include "app/AppDelegate.h"
 #include "app/CommandLine.h"
 #include "app/Deployment.h"
 #include "app/Services.h"
 #include "app/Surroundings.h"
-#include "login/LoginFlow.h"
+#include "app/UserInterface.h"
 #include "platform/Reachability.h"
 #include "platform/SingleInstance.h"
 #include "qt/QtApplication.h"
-#include "qt/QtBrowser.h"
 #include "qt/QtDisplay.h"
 #include "qt/QtMainLoop.h"
-#include "session/HDCLUserConfig.h"
-#include "ui/main/MainView.h"
+#include "ui/widgets/AlertSheet.h"
 #include "ui/widgets/HDCLUICenter.h"
 
 #include <csignal>
@@ -32,33 +29,31 @@ int complain(const std::string& problem, int exitCode) {
     return exitCode;
 }
 
-ui::UserSummary summaryOf(session::HDCLUserConfig& user) {
-    const session::HDCLUserModel* model = user.user_getUserInfo();
-    if (model == nullptr) return {};
-    return {
-        .nickName = model->nick_name, .departmentName = model->department_name, .email = model->email, .workAddress = model->work_address};
+/// What a start wishes beyond bringing the client to the front: this one, or a later one that hands over.
+void follow(app::CommandLine::Wish wish, app::AppDelegate& delegate) {
+    switch (wish) {
+        case app::CommandLine::Wish::None:
+            return delegate.applicationShouldHandleReopen();
+        case app::CommandLine::Wish::Uninstall:
+            return delegate.applicationShouldUninstall();
+        case app::CommandLine::Wish::Quit:
+            return QCoreApplication::quit();
+    }
 }
 
-/// The windows above the services, from the first to the end of the program.
-int runClient(QApplication& application, app::Services& services) {
-    qt::QtBrowser browser;
-    const auto makeMainWindow = [&services] {
-        return std::make_unique<ui::MainWindow>([&services] { return std::make_unique<ui::MainView>(summaryOf(services.user())); });
-    };
-    const auto makeLoginView = [&services, &browser, makeMainWindow] {
-        return std::make_unique<login::LoginView>(
-            [&services, &browser](login::LoginScreen& screen) { return services.makeLoginFlow(screen, browser); }, makeMainWindow);
-    };
-    app::AppDelegate delegate({services.notifications(), services.updater(), services.user(), makeLoginView, makeMainWindow});
-
-    const auto arguments = QCoreApplication::arguments().mid(1);
-    std::vector<std::string> handedOver;
-    for (const QString& argument : arguments) handedOver.push_back(argument.toStdString());
-    const auto role = services.singleInstance().enter(
-        handedOver, [&delegate](const std::vector<std::string>& /*arguments*/) { delegate.applicationShouldHandleReopen(); });
-    if (role == platform::SingleInstance::Role::Later) return kEnded;
+/// From the first window to the end of the program.
+int runClient(QApplication& application, app::Services& services, const std::vector<std::string>& arguments, app::CommandLine::Wish wish) {
+    app::UserInterface windows(services);
+    app::AppDelegate& delegate = windows.delegate();
+    const auto role = services.singleInstance().enter(arguments, [&delegate](const std::vector<std::string>& later) {
+        // A later version may know arguments that this one does not: it wants the client in any case.
+        const auto line = app::CommandLine::parse(later);
+        follow(line ? line->wish : app::CommandLine::Wish::None, delegate);
+    });
+    if (role == platform::SingleInstance::Role::Later || wish == app::CommandLine::Wish::Quit) return kEnded;
 
     delegate.applicationDidFinishLaunching();
+    if (wish != app::CommandLine::Wish::None) follow(wish, delegate);
     const int exitCode = application.exec();
     delegate.applicationWillTerminate();
     return exitCode;
@@ -86,12 +81,14 @@ int main(int argc, char** argv) {
     qt::choosePlatform();
     qt::QtApplication application(argc, argv);
     ui::HDCLUICenter::applyTo(application);
-    const auto services = app::Services::make({.serverBaseUrl = line->server.value_or(app::Deployment::kServerBaseUrl),
-                                               .toolRoot = surroundings.toolRoot,
-                                               .resources = surroundings.resources,
-                                               .language = surroundings.language},
-                                              std::make_shared<qt::QtMainLoop>());
+    const auto services =
+        app::Services::make({.serverBaseUrl = line->server.value_or(app::Deployment::kServerBaseUrl),
+                             .toolRoot = surroundings.toolRoot,
+                             .resources = surroundings.resources,
+                             .language = surroundings.language,
+                             .inform = [](const std::string& text) { ui::AlertSheet::present(QString::fromStdString(text)); }},
+                            std::make_shared<qt::QtMainLoop>());
     if (!services) return complain(services.error().description, kCannotRun);
     (*services)->reachability().startMonitoring();
-    return runClient(application, **services);
+    return runClient(application, **services, arguments, line->wish);
 }

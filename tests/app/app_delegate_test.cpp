@@ -1,12 +1,7 @@
 #include "app/AppDelegate.h"
 
 #include "login/RecordingActions.h"
-#include "platform/Directories.h"
-#include "platform/Updater.h"
-#include "session/HDCLUserConfig.h"
-#include "support/MemoryFileStore.h"
-#include "support/MemoryPreferences.h"
-#include "ui/main/MainView.h"
+#include "support/MainStory.h"
 
 #include <gtest/gtest.h>
 #include <QApplication>
@@ -19,35 +14,13 @@ namespace {
 using Events = std::vector<std::string>;
 constexpr const char* kLoginSuccess = "HDCL_Notification_LoginSuccess";
 
-class FixedDirectories final : public platform::Directories {
-public:
-    std::filesystem::path documents() const override { return "/home/test/Documents"; }
-    std::filesystem::path caches() const override { return "/home/test/Caches"; }
-    std::filesystem::path temporary() const override { return "/home/test/tmp"; }
-    std::filesystem::path resources() const override { return "/app"; }
-};
-
-/// Notes which windows were on the screen when it was asked.
-class RecordingUpdater final : public platform::Updater {
-public:
-    explicit RecordingUpdater(Events& events) : events_(events) {}
-    void setDelegate(Delegate) override {}
-    void checkForUpdatesInBackground() override {
-        std::string windows;
-        for (const QWidget* widget : QApplication::topLevelWidgets())
-            if (widget->isVisible()) windows += " " + widget->objectName().toStdString();
-        events_.push_back("update check with" + windows);
-    }
-    void checkForUpdateInformation() override { events_.push_back("update information"); }
-    void checkForUpdates() override { events_.push_back("interactive update check"); }
-
-private:
-    Events& events_;
-};
-
 class AppDelegateTest : public testing::Test {
 protected:
-    AppDelegateTest() { startAgain(); }
+    AppDelegateTest() {
+        user.user_deleteUserInfo();
+        updater.situation = windows;
+        startAgain();
+    }
 
     void startAgain() {
         delegate = std::make_unique<app::AppDelegate>(app::AppDelegate::Collaborators{
@@ -64,14 +37,11 @@ protected:
     }
     std::unique_ptr<ui::MainWindow> mainWindow() {
         ++mainWindowsMade;
-        return std::make_unique<ui::MainWindow>([] { return std::make_unique<ui::MainView>(ui::UserSummary{}); });
+        return story.makeMainWindow();
     }
     void launch() { delegate->applicationDidFinishLaunching(); }
     void signIn() {
-        util::Dictionary data;
-        data.set("job_number", util::Value("0417"));
-        data.set("token", util::Value(""));  // an empty one counts
-        user.user_loginSuccessWithDic(data);
+        story.signIn({{"token", ""}});  // an empty one counts
     }
     /// What the login does at its end.
     void loginSucceeds() {
@@ -80,14 +50,19 @@ protected:
         delegate->loginView().showMainWindow();
     }
 
-    Events events;
+    static std::string windows() {
+        std::string shown = " with";
+        for (const QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->isVisible()) shown += " " + widget->objectName().toStdString();
+        return shown;
+    }
+
+    MainStory story;
+    Events& events = story.events;
     int mainWindowsMade = 0;
-    util::NotificationCenter notifications;
-    RecordingUpdater updater{events};
-    MemoryPreferences preferences;
-    MemoryFileStore files;
-    FixedDirectories directories;
-    session::HDCLUserConfig user{preferences, files, directories};
+    util::NotificationCenter& notifications = story.notifications;
+    RecordingUpdater& updater = story.updater;
+    session::HDCLUserConfig& user = story.company.user;
     std::unique_ptr<app::AppDelegate> delegate;
 };
 
@@ -191,6 +166,32 @@ TEST_F(AppDelegateTest, second_start_brings_forward_the_window_in_use) {
     delegate->loginView().MainW()->orderOut();
     delegate->applicationShouldHandleReopen();
     EXPECT_TRUE(delegate->loginW().isVisible());
+}
+
+TEST_F(AppDelegateTest, uninstall_reminder_comes_at_once_or_follows_the_login) {
+    const auto isReminderShown = [this] {
+        const auto* main = delegate->loginView().MainW();
+        const auto* field = main ? main->findChild<QWidget*>(QStringLiteral("vertifyTF")) : nullptr;
+        return field && field->isVisible();
+    };
+    launch();
+    delegate->loginW().orderBack();
+    delegate->applicationShouldUninstall();
+    delegate->applicationShouldUninstall();
+    EXPECT_TRUE(delegate->loginW().isVisible());
+    loginSucceeds();
+    EXPECT_TRUE(isReminderShown());
+    QTest::keyClick(delegate->loginView().MainW()->findChild<QWidget*>(QStringLiteral("vertifyTF")), Qt::Key_Escape);
+    EXPECT_FALSE(isReminderShown());
+    delegate->applicationShouldUninstall();
+    EXPECT_TRUE(isReminderShown());
+
+    delegate->loginView().MainW()->orderOut();
+    loginSucceeds();
+    EXPECT_FALSE(isReminderShown()) << "what was asked for is done";
+    delegate->loginView().MainW()->orderOut();
+    delegate->applicationShouldUninstall();
+    EXPECT_TRUE(delegate->loginW().isVisible()) << "a hidden main window belongs to nobody";
 }
 
 }  // namespace
