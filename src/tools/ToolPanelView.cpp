@@ -54,12 +54,7 @@ void ToolPanelView::resizeEvent(QResizeEvent*) {
     place();
 }
 
-void ToolPanelView::showEvent(QShowEvent* event) {
-    PageView::showEvent(event);
-    if (event->spontaneous()) return;
-    // The button from which a person came by keyboard is covered now; a click leaves no ring.
-    backBtn->setFocus(window()->focusWidget() ? Qt::TabFocusReason : Qt::OtherFocusReason);
-}
+void ToolPanelView::takeKeyboard(Qt::FocusReason reason) { backBtn->setFocus(reason); }
 
 void ToolPanelView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape) return backAction();

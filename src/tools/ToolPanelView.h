@@ -12,7 +12,7 @@ class ToolButton;
 namespace halvane::tools {
 
 /// Base of the tools' panels, which cover their page while they are shown: a bar with the way back and a
-/// title. Escape goes back too. Takes the keyboard when it is shown. Main thread.
+/// title. Escape goes back too. Main thread.
 class ToolPanelView : public ui::PageView {
 public:
     /// `name`: what a screen reader calls the panel.
@@ -23,6 +23,9 @@ public:
 
     void backAction();
 
+    /// The keyboard to the first control; whoever came by keyboard sees where it is.
+    void takeKeyboard(Qt::FocusReason reason);
+
 protected:
     static constexpr int barHeight = 64;
 
@@ -32,7 +35,6 @@ protected:
     ui::ToolButton* addBarButton(const QString& imageName, const QString& title);
 
     void resizeEvent(QResizeEvent* event) override;
-    void showEvent(QShowEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     /// Called after each change of size, with the bar in its place.
     virtual void place() = 0;

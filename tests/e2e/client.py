@@ -75,8 +75,8 @@ class Client:
         self.started_at = time.monotonic()
         self.process = self.start_another()
 
-    def start_another(self):
-        return self._processes.start("client", [self.program, "--server", self._company.url], self._env)
+    def start_another(self, *arguments):
+        return self._processes.start("client", [self.program, "--server", self._company.url, *arguments], self._env)
 
     def age(self):
         return time.monotonic() - self.started_at

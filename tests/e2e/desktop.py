@@ -51,8 +51,11 @@ class Picture:
 
 
 class Desktop:
-    def __init__(self, processes, folder):
+    """`scale`: device pixels to a pixel of the client's; places and sizes are the client's."""
+
+    def __init__(self, processes, folder, scale=1):
         self._processes = processes
+        self.scale = scale
         self.home = Path(folder, "home")
         self.runtime = Path(folder, "runtime")
         self.config, self.data, self.cache = self.home / ".config", self.home / ".local/share", self.home / ".cache"
@@ -65,6 +68,8 @@ class Desktop:
             # Nothing of the journey shall go to the machine's own bus or network services.
             "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={self.runtime}/no-system-bus",
         }
+        if scale != 1:
+            self.env["QT_SCALE_FACTOR"] = str(scale)
         self.env.update({name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")})
 
     def start(self):
@@ -75,7 +80,7 @@ class Desktop:
     def _start_display(self):
         reader, writer = os.pipe()
         display = self._processes.start(
-            "xvfb", ["Xvfb", "-displayfd", writer, "-screen", "0", "1280x800x24", "-nolisten", "tcp", "-noreset"], self.env, pass_fds=(writer,))
+            "xvfb", ["Xvfb", "-displayfd", writer, "-screen", "0", f"{1280 * self.scale}x{800 * self.scale}x24", "-nolisten", "tcp", "-noreset"], self.env, pass_fds=(writer,))
         os.close(writer)
         with os.fdopen(reader) as numbers:
             number = numbers.readline().strip()  # ends with the server, if that fails
@@ -110,7 +115,7 @@ class Desktop:
         for line in output_of("wmctrl", "-l", "-p", "-G", env=self.env).decode(errors="replace").splitlines():
             fields = line.split(None, 8)
             if len(fields) >= 8 and pid in (None, int(fields[2])):
-                numbers = [int(field) for field in fields[2:7]]
+                numbers = [int(fields[2]), *(int(field) // self.scale for field in fields[3:7])]
                 found.append(Window(int(fields[0], 16), *numbers, fields[8] if len(fields) > 8 else ""))
         return found
 
@@ -127,8 +132,16 @@ class Desktop:
     def do(self, *command):
         output_of(*[str(part) for part in command], env=self.env)
 
+    def point(self, window, x, y):
+        self.do("xdotool", "mousemove", "--window", window.identifier, x * self.scale, y * self.scale)
+
+    def press(self, window, x, y):
+        """A click after which another window may have the keyboard."""
+        self.point(window, x, y)
+        self.do("xdotool", "click", 1)
+
     def click(self, window, x, y):
-        self.do("xdotool", "mousemove", "--window", window.identifier, x, y, "click", 1)
+        self.press(window, x, y)
         wait_for("the window takes the keyboard", lambda: self.active() == window.identifier)
 
     def type(self, text):

@@ -98,6 +98,7 @@ void MainLeftMenuView::showSetMenu() {
             dropSetMenu();
             logout();
         };
+        popver_->didClose = [this] { headView->setOpen(false); };
         popver_->quitBlock = [this] {
             dropSetMenu();
             QCoreApplication::quit();
@@ -105,6 +106,7 @@ void MainLeftMenuView::showSetMenu() {
         if (const auto* model = collaborators_.user.user_getUserInfo()) popver_->setModel(*model);
     }
     popver_->showOnView(parentWidget());
+    headView->setOpen(true);
 }
 
 void MainLeftMenuView::closeSetMenu() {

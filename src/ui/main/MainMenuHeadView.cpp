@@ -38,8 +38,13 @@ void MainMenuHeadView::setModel(const session::HDCLUserModel& model) {
     setAccessibleName(text().isEmpty() ? QStringLiteral("个人菜单") : text());
 }
 
+void MainMenuHeadView::setOpen(bool open) {
+    open_ = open;
+    update();
+}
+
 void MainMenuHeadView::paintGround(QPainter& painter, const QRect& visible) {
-    if (isDown() || isHovered()) {
+    if (isDown() || isHovered() || open_) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(isDown() ? C::colorPressed : C::colorHover);
         painter.drawRoundedRect(visible, C::radiusRow, C::radiusRow);

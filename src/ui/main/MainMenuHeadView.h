@@ -21,6 +21,8 @@ public:
     std::function<void()> clickAction;
 
     void setModel(const session::HDCLUserModel& model);
+    /// Whether what it opens is open.
+    void setOpen(bool open);
 
 protected:
     void paintGround(QPainter& painter, const QRect& visible) override;
@@ -32,6 +34,7 @@ protected:
 private:
     AvatarStore& avatars_;
     AvatarView* avatar_;
+    bool open_ = false;
 };
 
 }  // namespace halvane::ui

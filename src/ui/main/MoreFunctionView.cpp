@@ -74,6 +74,7 @@ void MoreFunctionView::present(tools::ToolPanelView& panel) {
     panel.setGeometry(rect());
     panel.raise();
     panel.show();
+    panel.takeKeyboard(opener_ ? Qt::TabFocusReason : Qt::OtherFocusReason);
     // What it covers is out of reach of Tab and of screen readers.
     titleLabel->hide();
     gridView->hide();
@@ -97,10 +98,8 @@ void MoreFunctionView::uninstallItemAction() { present(*uninstallView); }
 void MoreFunctionView::cleanIntroBackAction() { dismiss(*cleanIntroView); }
 
 void MoreFunctionView::cleanIntroScanAction() {
-    const QPointer<QWidget> opener = opener_;
-    dismiss(*cleanIntroView);
     present(*cleanView);
-    opener_ = opener;
+    cleanIntroView->hide();
 }
 
 void MoreFunctionView::cleanBackAction() { dismiss(*cleanView); }

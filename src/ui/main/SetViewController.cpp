@@ -78,6 +78,12 @@ void SetViewController::setModel(const session::HDCLUserModel& model) {
     emailLabel->setWholeText(QString::fromStdString(model.email.value_or("")));
 }
 
+void SetViewController::close() {
+    if (!isOverlaid()) return;
+    withdraw();
+    if (didClose) didClose();
+}
+
 void SetViewController::didSelectRow(int row) {
     const std::array blocks{updateVersionBlock, aboutBlock, systemSetBlock, LogoutBlock, quitBlock};
     if (row < 0 || row >= static_cast<int>(blocks.size())) return;

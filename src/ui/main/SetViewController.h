@@ -30,12 +30,13 @@ public:
     std::function<void()> systemSetBlock;
     std::function<void()> LogoutBlock;
     std::function<void()> quitBlock;
+    std::function<void()> didClose;  ///< however it was closed
 
     void setModel(const session::HDCLUserModel& model);
 
     /// Below the head of a menu that stands at the upper left of `view`.
     void showOnView(QWidget* view) { overlay(view); }
-    void close() { withdraw(); }
+    void close();
 
     /// What a row does. There is more to do than the list offers: 3 logs out, 4 quits.
     void didSelectRow(int row);

@@ -20,15 +20,18 @@ constexpr int kShadowBlur = 24;
 constexpr int kShadowDrop = 8;
 constexpr int kFade = 150;  // milliseconds
 
-/// As many rings as the blur is wide; each adds a little, so that the shadow fades like a blurred one.
+/// Rings that add up: the outer ones add the least, so that the shadow fades out like a blurred one.
 void paintShadow(QPainter& painter, const QRect& panel) {
+    constexpr int step = 2;
+    constexpr qreal sum = (kShadowBlur / step + 1) / 2.0;
     painter.setPen(Qt::NoPen);
-    QColor ring = C::colorShadow;
-    ring.setAlphaF(C::colorShadow.alphaF() / kShadowBlur * 1.6f);
-    painter.setBrush(ring);
-    for (int grow = kShadowBlur; grow > -kShadowBlur / 2; grow -= 2) {
+    for (int grow = kShadowBlur; grow >= 0; grow -= step) {
+        QColor ring = C::colorShadow;
+        // At the panel's edge half of the shadow's strength is reached, as with a blurred one.
+        ring.setAlphaF(static_cast<float>(C::colorShadow.alphaF() / 2 / sum * (kShadowBlur - grow) / kShadowBlur));
+        painter.setBrush(ring);
         const QRectF area = QRectF(panel).adjusted(-grow, -grow, grow, grow).translated(0, kShadowDrop);
-        painter.drawRoundedRect(area, C::radiusCard + std::max(0, grow), C::radiusCard + std::max(0, grow));
+        painter.drawRoundedRect(area, C::radiusCard + grow, C::radiusCard + grow);
     }
 }
 
@@ -43,9 +46,9 @@ protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
+        painter.setPen(C::colorLine);
         painter.setBrush(C::colorCard);
-        painter.drawRoundedRect(rect(), C::radiusCard, C::radiusCard);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), C::radiusCard, C::radiusCard);
     }
     void mousePressEvent(QMouseEvent* event) override { event->accept(); }
 };

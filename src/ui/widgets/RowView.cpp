@@ -33,7 +33,7 @@ void RowView::paintEvent(QPaintEvent*) {
         painter.setBrush(ground);
         painter.drawRoundedRect(visible, look_.radius, look_.radius);
     }
-    if (look_.line) painter.fillRect(visible.left(), visible.bottom(), visible.width(), 1, HDCLUICenter::colorLine);
+    if (look_.line && !lineHidden_) painter.fillRect(visible.left(), visible.bottom(), visible.width(), 1, HDCLUICenter::colorLine);
     ring_.paint(painter, visible, look_.radius > 0 ? look_.radius : HDCLUICenter::radiusControl);
 }
 

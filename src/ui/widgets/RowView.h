@@ -20,7 +20,7 @@ public:
         QColor selected;  ///< an invalid colour: drawn as if not selected
         QColor hover;
         QColor pressed;
-        bool line = false;  ///< a hairline beneath
+        bool line = false;  ///< a hairline beneath, but for the last row within a frame
     };
 
     explicit RowView(const Look& look);
@@ -33,6 +33,7 @@ public:
     [[nodiscard]] virtual QAccessible::Role role() const { return QAccessible::ListItem; }
 
     // Set by the table.
+    void setLineHidden(bool hidden) { lineHidden_ = hidden; }
     std::function<void()> onActivated;  ///< by the pointer, or by what stands in for a person
     std::function<void()> onFocused;
 
@@ -59,6 +60,7 @@ private:
     FocusRing ring_;
     bool selected_ = false;
     bool pressed_ = false;
+    bool lineHidden_ = false;
 };
 
 }  // namespace halvane::ui

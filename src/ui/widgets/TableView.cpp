@@ -95,7 +95,10 @@ void TableView::reloadData() {
         old->deleteLater();
     }
     if (!has(selectedRow_)) selectedRow_ = -1;
-    for (int row = 0; row < count; ++row) rows_[static_cast<std::size_t>(row)]->setSelected(row == selectedRow_);
+    for (int row = 0; row < count; ++row) {
+        rows_[static_cast<std::size_t>(row)]->setSelected(row == selectedRow_);
+        rows_[static_cast<std::size_t>(row)]->setLineHidden(frame_ && row == count - 1);
+    }
     setTabStop(std::clamp(tabStop_, 0, std::max(0, count - 1)));
     orderTabs();
     placeRows();
