@@ -75,9 +75,15 @@ void CleanRubbishView::selectionDidChange() {
 
 void CleanRubbishView::reloadData() { tableView->reloadData(); }
 
-void CleanRubbishView::startScanAnimattion() { broomView->startAnimating(); }
+void CleanRubbishView::startScanAnimattion() {
+    broomView->startAnimating();
+    broomView->setAccessibleName(QStringLiteral("正在扫描"));
+}
 
-void CleanRubbishView::stopScanAnimattion() { broomView->stopAnimating(); }
+void CleanRubbishView::stopScanAnimattion() {
+    broomView->stopAnimating();
+    broomView->setAccessibleName(QString());
+}
 
 bool CleanRubbishView::isScanning() const { return broomView->isAnimating(); }
 

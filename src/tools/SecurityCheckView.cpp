@@ -61,10 +61,10 @@ SecurityCheckView::Row SecurityCheckView::makeRow(const char* name, const char* 
     row.subTitle->setObjectName(QLatin1String(name) + QStringLiteral("SubTitle"));
     row.state->setObjectName(QLatin1String(name) + QStringLiteral("Image"));
     row.button->setObjectName(QLatin1String(name) + QStringLiteral("Btn"));
-    row.state->setAccessibleName(QStringLiteral("不符合要求"));
-    row.state->setToolTip(row.state->accessibleName());
+    row.state->setToolTip(QStringLiteral("不符合要求"));
+    row.state->setAccessibleName(QStringLiteral("%1：%2").arg(row.title->text(), row.state->toolTip()));
     row.button->setAccessibleName(QStringLiteral("%1：%2").arg(row.button->text(), row.title->text()));
-    row.button->setAccessibleDescription(row.state->accessibleName());
+    row.button->setAccessibleDescription(row.state->toolTip());
     QObject::connect(row.button, &QPushButton::clicked, this, action);
     return row;
 }

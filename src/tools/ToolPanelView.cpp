@@ -45,9 +45,10 @@ ui::ToolButton* ToolPanelView::addBarButton(const QString& imageName, const QStr
 void ToolPanelView::resizeEvent(QResizeEvent*) {
     constexpr int margin = C::ringMargin;
     constexpr int top = (barHeight - kToolHeight) / 2 - margin;
-    backBtn->setGeometry({{kBackLeft - margin, top}, backBtn->sizeHint()});
+    const auto sizeOf = [](const ui::ToolButton& button) { return button.sizeHint().boundedTo({kTitleMargin - kRight, barHeight}); };
+    backBtn->setGeometry({{kBackLeft - margin, top}, sizeOf(*backBtn)});
     if (barButton_) {
-        const QSize size = barButton_->sizeHint();
+        const QSize size = sizeOf(*barButton_);
         barButton_->setGeometry({{width() - kRight + margin - size.width(), top}, size});
     }
     if (barTitle_) barTitle_->setGeometry(kTitleMargin, 0, width() - 2 * kTitleMargin, barHeight);

@@ -21,7 +21,7 @@ constexpr int kLogo = 88;
 constexpr int kLogoTop = 32;
 constexpr QSize kButton(180, 40);
 constexpr int kButtonTop = 144;
-constexpr int kVersionHeight = 24;
+constexpr int kVersionHeight = 26;
 constexpr int kVersionBottom = 70;  // from the panel's lower edge
 constexpr int kVersionBottomAlone = 120;
 constexpr int kDetailTop = 244;

@@ -8,7 +8,7 @@
 
 namespace halvane::ui {
 
-AvatarView::AvatarView(QWidget* parent) : QWidget(parent) { setAccessibleName(QStringLiteral("头像")); }
+AvatarView::AvatarView(QWidget* parent) : PictureView(parent) { setAccessibleName(QStringLiteral("头像")); }
 
 void AvatarView::setAddress(AvatarStore& avatars, const std::optional<std::string>& address) {
     address_ = address.value_or("");

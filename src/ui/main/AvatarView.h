@@ -1,7 +1,8 @@
 #pragma once
 
+#include "ui/widgets/PictureView.h"
+
 #include <QImage>
-#include <QWidget>
 #include <optional>
 #include <string>
 
@@ -10,7 +11,7 @@ namespace halvane::ui {
 class AvatarStore;
 
 /// A person's picture, round, in the size of the view; a placeholder until there is one. Main thread.
-class AvatarView final : public QWidget {
+class AvatarView final : public PictureView {
 public:
     explicit AvatarView(QWidget* parent);
 

@@ -21,7 +21,9 @@ constexpr QPoint kPlace(12, 84);
 constexpr int kPadding = 20;
 constexpr int kAvatar = 48;
 constexpr int kTextLeft = kPadding + kAvatar + 12;
-constexpr int kLine = 20;
+constexpr int kLineTops[] = {16, 39, 59};
+constexpr int kNameHeight = 23;
+constexpr int kLineHeight = 20;
 constexpr int kRow = 40;
 constexpr int kRowInset = 8;
 constexpr int kListTop = 108;
@@ -39,7 +41,7 @@ void SetViewController::setUpUI() {
     const auto addLabel = [this](const char* name, int line, const QFont& font, const QColor& color) {
         auto* label = new ElidedLabel(QString(), font, color, &panel());
         label->setObjectName(QLatin1String(name));
-        label->setGeometry(kTextLeft, kPadding - 2 + line * kLine, kWidth - kTextLeft - kPadding, kLine);
+        label->setGeometry(kTextLeft, kLineTops[line], kWidth - kTextLeft - kPadding, line == 0 ? kNameHeight : kLineHeight);
         return label;
     };
     avatar_->setGeometry(kPadding, kPadding, kAvatar, kAvatar);

@@ -1,26 +1,10 @@
 #include "ui/widgets/AccessibleRow.h"
 
 #include "ui/widgets/RowView.h"
-#include "ui/widgets/TableView.h"
 
 namespace halvane::ui {
 
-namespace {
-
-QAccessibleInterface* interfaceOf(const QString& /*className*/, QObject* object) {
-    if (auto* row = dynamic_cast<RowView*>(object)) return new AccessibleRow(*row);
-    if (auto* table = dynamic_cast<TableView*>(object)) return new QAccessibleWidget(table, QAccessible::List);
-    return nullptr;
-}
-
-}  // namespace
-
 AccessibleRow::AccessibleRow(RowView& row) : QAccessibleWidget(&row) {}
-
-void AccessibleRow::install() {
-    static const bool installed = (QAccessible::installFactory(interfaceOf), true);
-    Q_UNUSED(installed);
-}
 
 RowView& AccessibleRow::row() const { return static_cast<RowView&>(*widget()); }
 

@@ -11,9 +11,6 @@ class AccessibleRow final : public QAccessibleWidget {
 public:
     explicit AccessibleRow(RowView& row);
 
-    /// Makes rows and tables known to Qt's accessibility. Any number of calls.
-    static void install();
-
     [[nodiscard]] QAccessible::Role role() const override;
     [[nodiscard]] QAccessible::State state() const override;
     [[nodiscard]] QStringList actionNames() const override;

@@ -7,7 +7,7 @@
 
 namespace halvane::ui {
 
-AnimatedImageView::AnimatedImageView(const QString& fileName, QWidget* parent) : QWidget(parent) {
+AnimatedImageView::AnimatedImageView(const QString& fileName, QWidget* parent) : PictureView(parent) {
     movie_.setFileName(NamedImage::file(fileName));
     movie_.setCacheMode(QMovie::CacheAll);  // a dozen small frames, decoded once instead of at every turn
     QObject::connect(&movie_, &QMovie::frameChanged, this, [this] { update(); });

@@ -1,14 +1,15 @@
 #pragma once
 
+#include "ui/widgets/PictureView.h"
+
 #include <QMovie>
-#include <QWidget>
 
 namespace halvane::ui {
 
 /// A named animation in the size of the view, at rest on its first frame. Runs only while it can be seen,
 /// and not at all where the desktop wants nothing to move; it counts as animating all the same. The owner
 /// names it for screen readers.
-class AnimatedImageView final : public QWidget {
+class AnimatedImageView final : public PictureView {
 public:
     /// `fileName`: with its suffix.
     AnimatedImageView(const QString& fileName, QWidget* parent);

@@ -1,5 +1,7 @@
 #include "ui/widgets/HDCLUICenter.h"
 
+#include "ui/widgets/Accessibility.h"
+
 #include <QApplication>
 #include <QPalette>
 #include <QStyle>
@@ -57,6 +59,7 @@ void HDCLUICenter::applyTo(QApplication& application) {
     application.setStyle(QStringLiteral("Fusion"));
     application.setPalette(lightPalette());
     application.setFont(font(Type::Body));
+    Accessibility::install();
     QToolTip::setPalette(lightPalette());
     QToolTip::setFont(font(Type::Caption));
 }

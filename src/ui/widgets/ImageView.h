@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QWidget>
+#include "ui/widgets/PictureView.h"
 
 namespace halvane::ui {
 
 /// A named image in the size of the view.
-class ImageView final : public QWidget {
+class ImageView final : public PictureView {
 public:
-    ImageView(const QString& imageName, QWidget* parent) : QWidget(parent), imageName_(imageName) {}
+    ImageView(const QString& imageName, QWidget* parent) : PictureView(parent), imageName_(imageName) {}
 
 protected:
     void paintEvent(QPaintEvent* event) override;

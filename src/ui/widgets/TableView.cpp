@@ -1,6 +1,5 @@
 #include "ui/widgets/TableView.h"
 
-#include "ui/widgets/AccessibleRow.h"
 #include "ui/widgets/HDCLUICenter.h"
 #include "ui/widgets/RowView.h"
 
@@ -52,7 +51,6 @@ protected:
 
 TableView::TableView(const QString& name, const Settings& settings, DataSource dataSource, QWidget* parent)
     : QScrollArea(parent), settings_(settings), dataSource_(std::move(dataSource)), anchor_(new QWidget) {
-    AccessibleRow::install();
     setAccessibleName(name);
     setFocusPolicy(Qt::NoFocus);
     setFrameShape(QFrame::NoFrame);

@@ -1,0 +1,12 @@
+#pragma once
+
+namespace halvane::ui {
+
+/// Makes our own kinds of widgets known to screen readers: tables, their rows, pictures.
+class Accessibility {
+public:
+    /// Once, before the first window.
+    static void install();
+};
+
+}  // namespace halvane::ui
