@@ -1,0 +1,249 @@
+#include "support/ManualMainLoop.h"
+#include "support/MemoryDirectories.h"
+#include "support/MemoryFileStore.h"
+#include "support/RecordingLog.h"
+#include "support/ScriptedTransport.h"
+#include "support/ThreadQueue.h"
+#include "ui/main/AvatarImage.h"
+#include "ui/main/AvatarStore.h"
+#include "ui/main/AvatarView.h"
+
+#include <gtest/gtest.h>
+#include <QBuffer>
+#include <QImageReader>
+#include <QPainter>
+#include <memory>
+
+namespace halvane::test {
+namespace {
+
+using ui::AvatarImage;
+
+util::Bytes encoded(const QImage& image, const char* format = "PNG") {
+    QByteArray data;
+    QBuffer buffer(&data);
+    EXPECT_TRUE(image.save(&buffer, format)) << format;
+    return data.toStdString();
+}
+
+util::Bytes plain(QColor color, QSize size = {64, 64}, const char* format = "PNG") {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(color);
+    return encoded(image, format);
+}
+
+util::Bytes drawing(const std::string& inside) {
+    return R"(<svg xmlns="http://www.w3.org/2000/svg" width="96" height="96"><rect width="96" height="96" fill="#0000ff"/>)" + inside +
+           "</svg>";
+}
+
+TEST(AvatarImageTest, cuts_the_middle_out_and_makes_it_small) {
+    QImage wide(600, 200, QImage::Format_RGB32);
+    wide.fill(Qt::red);
+    QPainter(&wide).fillRect(200, 0, 200, 200, Qt::green);
+    const QImage face = AvatarImage::decoded(encoded(wide));
+    EXPECT_EQ(face.size(), QSize(192, 192));
+    EXPECT_EQ(face.pixelColor(2, 96), QColor(Qt::green));
+    EXPECT_EQ(face.pixelColor(189, 96), QColor(Qt::green));
+    EXPECT_EQ(AvatarImage::decoded(plain(Qt::red, {40, 30})).size(), QSize(30, 30)) << "a small one is not blown up";
+}
+
+TEST(AvatarImageTest, reads_pictures_and_quiet_drawings) {
+    for (const char* format : {"PNG", "JPG", "BMP"})
+        EXPECT_FALSE(AvatarImage::decoded(plain(Qt::red, {64, 64}, format)).isNull()) << format;
+    EXPECT_EQ(AvatarImage::decoded(drawing("")).pixelColor(96, 96), QColor(Qt::blue));
+}
+
+TEST(AvatarImageTest, refuses_what_is_no_face) {
+    const std::pair<const char*, util::Bytes> rows[] = {
+        {"nothing", ""},
+        {"a page", "<!doctype html><title>404</title>"},
+        {"noise", util::Bytes(5000, '\x7f')},
+        {"half a picture", plain(Qt::red).substr(0, 40)},
+        {"too wide", plain(Qt::red, {4097, 2})},
+        {"too many pixels", plain(Qt::red, {4096, 4096})},
+        {"a drawing that repeats itself", drawing(R"(<g id="a"/><use href="#a"/>)")},
+        {"a drawing that loads", drawing(R"(<image href="file:///etc/hostname" width="1" height="1"/>)")},
+        {"a drawing with entities", "<!DOCTYPE svg [<!ENTITY a \"b\">]>" + drawing("&a;")},
+        {"a huge drawing", drawing(std::string(70'000, ' '))},
+        {"a broken drawing", "<svg xmlns=\"http://www.w3.org/2000/svg\"><rect"},
+    };
+    for (const auto& [name, bytes] : rows) EXPECT_TRUE(AvatarImage::decoded(bytes).isNull()) << name;
+}
+
+class AvatarStoreTest : public testing::Test {
+protected:
+    AvatarStoreTest() { start(); }
+
+    void start() {
+        store = std::make_unique<ui::AvatarStore>(ui::AvatarStore::Collaborators{.transport = transport,
+                                                                                 .mainQueue = mainLoop,
+                                                                                 .worker = worker,
+                                                                                 .files = files,
+                                                                                 .directories = directories,
+                                                                                 .log = log,
+                                                                                 .userAgent = "Halvane/1.0"});
+    }
+    void load(const std::string& url = kUrl) {
+        store->load(url, [this](const QImage& image) { arrived.push_back(image.pixelColor(image.width() / 2, image.height() / 2)); });
+    }
+    void settle() {
+        for (int turn = 0; turn < 4; ++turn) {
+            worker->runPending();
+            mainLoop->runPending();
+        }
+    }
+    void reply(int status, const util::Bytes& body) {
+        transport.reply(transport.exchanges.size() - 1, status, "image/png", body);
+        settle();
+    }
+
+    static constexpr const char* kUrl = "https://people.test/static/7.png";
+    const util::Bytes red = plain(Qt::red);
+    const util::Bytes green = plain(Qt::green);
+    std::shared_ptr<ManualMainLoop> mainLoop = std::make_shared<ManualMainLoop>();
+    std::shared_ptr<ManualMainLoop> worker = std::make_shared<ManualMainLoop>();
+    ScriptedTransport transport;
+    MemoryFileStore files;
+    MemoryDirectories directories;
+    RecordingLog log;
+    std::unique_ptr<ui::AvatarStore> store;
+    std::vector<QColor> arrived;
+};
+
+TEST_F(AvatarStoreTest, fetches_an_address_once_for_everybody) {
+    load();
+    load();
+    settle();
+    EXPECT_TRUE(arrived.empty());
+    reply(200, red);
+    EXPECT_EQ(arrived, (std::vector<QColor>{Qt::red, Qt::red}));
+    load();
+    EXPECT_EQ(arrived.size(), 2u) << "never inside the call";
+    settle();
+    EXPECT_EQ(arrived.size(), 3u);
+    EXPECT_EQ(transport.exchanges.size(), 1u);
+    const auto& request = transport.exchanges[0]->request;
+    EXPECT_EQ(request.method + " " + request.url, std::string("GET ") + kUrl);
+    EXPECT_EQ(request.headers.fields(), (std::vector<platform::HttpHeaders::Field>{{"User-Agent", "Halvane/1.0"}}))
+        << "no token goes along";
+}
+
+TEST_F(AvatarStoreTest, next_start_shows_the_kept_picture_and_then_the_servers_if_it_is_another) {
+    load();
+    reply(200, red);
+    for (const auto& [body, later] : {std::pair{red, std::vector<QColor>{}}, std::pair{green, std::vector<QColor>{Qt::green}}}) {
+        start();
+        arrived.clear();
+        load();
+        settle();
+        EXPECT_EQ(arrived, std::vector<QColor>{Qt::red});
+        arrived.clear();
+        reply(200, body);
+        EXPECT_EQ(arrived, later);
+    }
+    start();
+    arrived.clear();
+    load();
+    settle();
+    EXPECT_EQ(arrived, std::vector<QColor>{Qt::green}) << "the newer one was kept";
+}
+
+TEST_F(AvatarStoreTest, what_cannot_be_shown_is_one_line_of_the_log_and_no_file) {
+    const std::pair<const char*, std::function<void()>> rows[] = {
+        {"no network", [this] { transport.fail(transport.exchanges.size() - 1, util::UrlError::NotConnected); }},
+        {"not found", [this] { reply(404, red); }},
+        {"no picture", [this] { reply(200, "<html>"); }},
+        {"too large", [this] { reply(200, red + util::Bytes(5 * 1024 * 1024, ' ')); }},
+    };
+    for (const auto& [name, ends] : rows) {
+        start();
+        const auto lines = log.lines().size();
+        load();
+        settle();
+        ends();
+        settle();
+        EXPECT_TRUE(arrived.empty()) << name;
+        EXPECT_EQ(log.lines().size(), lines + 1) << name;
+        load();
+        EXPECT_TRUE(files.files.empty()) << name;
+    }
+}
+
+TEST_F(AvatarStoreTest, endless_body_is_cancelled_on_its_way) {
+    load();
+    transport.exchanges[0]->data.onDownloadProgress({.completed = 4 * 1024 * 1024, .total = std::nullopt});
+    EXPECT_FALSE(transport.exchanges[0]->completed);
+    transport.exchanges[0]->data.onDownloadProgress({.completed = 10, .total = 4 * 1024 * 1024 + 1});
+    settle();
+    EXPECT_TRUE(transport.exchanges[0]->completed);
+    EXPECT_TRUE(log.contains("avatar"));
+}
+
+TEST_F(AvatarStoreTest, only_addresses_of_the_web_are_asked) {
+    for (const char* url : {"", "7.png", "/static/7.png", "file:///etc/passwd", "ftp://people.test/7.png", "javascript:alert(1)"}) {
+        load(url);
+        settle();
+        EXPECT_TRUE(transport.exchanges.empty()) << url;
+    }
+    load("HTTP://people.test/7.png");
+    EXPECT_EQ(transport.exchanges.size(), 1u);
+}
+
+TEST_F(AvatarStoreTest, damaged_file_is_as_good_as_none) {
+    load();
+    reply(200, red);
+    for (auto& [path, bytes] : files.files) bytes = "damaged";
+    start();
+    arrived.clear();
+    load();
+    settle();
+    EXPECT_TRUE(arrived.empty());
+    reply(200, red);
+    EXPECT_EQ(arrived, std::vector<QColor>{Qt::red});
+}
+
+TEST_F(AvatarStoreTest, nothing_arrives_when_the_store_is_gone) {
+    load();
+    settle();
+    const auto exchange = transport.exchanges[0];
+    store.reset();
+    if (!exchange->completed) transport.reply(0, 200, "image/png", red);
+    settle();
+    EXPECT_TRUE(arrived.empty());
+
+    start();
+    load();
+    transport.reply(transport.exchanges.size() - 1, 200, "image/png", red);
+    store.reset();  // while the worker decodes
+    settle();
+    EXPECT_TRUE(arrived.empty());
+}
+
+TEST_F(AvatarStoreTest, view_shows_the_placeholder_until_the_last_address_arrives) {
+    ui::AvatarView view(nullptr);
+    view.resize(40, 40);
+    const QImage placeholder = view.grab().toImage();
+    const auto centre = [&view] { return view.grab().toImage().pixelColor(20, 20); };
+    view.setAddress(*store, "http://people.test/1.png");
+    view.setAddress(*store, "http://people.test/2.png");
+    settle();
+    EXPECT_EQ(view.grab().toImage(), placeholder);
+    transport.reply(1, 200, "image/png", green);
+    settle();
+    EXPECT_EQ(centre(), QColor(Qt::green));
+    transport.reply(0, 200, "image/png", red);
+    settle();
+    EXPECT_EQ(centre(), QColor(Qt::green)) << "a later address wins";
+    EXPECT_NE(view.grab().toImage().pixelColor(0, 0), QColor(Qt::green)) << "it is round";
+    view.setAddress(*store, std::nullopt);
+    EXPECT_EQ(view.grab().toImage(), placeholder);
+    {
+        ui::AvatarView gone(nullptr);
+        gone.setAddress(*store, "http://people.test/3.png");
+    }
+    reply(200, red);
+}
+
+}  // namespace
+}  // namespace halvane::test
