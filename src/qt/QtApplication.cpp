@@ -1,13 +1,16 @@
 #include "qt/QtApplication.h"
 
 #include <QEvent>
+#include <QLoggingCategory>
 
 namespace halvane::qt {
 
 QtApplication::QtApplication(int& argc, char** argv) : QApplication(argc, argv), signals_([] { exit(0); }) {
     setQuitOnLastWindowClosed(false);
     setApplicationName(QStringLiteral("halvane"));
-    setDesktopFileName(QStringLiteral("halvane"));
+    setDesktopFileName(QStringLiteral("com.halvane.Halvane"));
+    // A picture that somebody else made badly is logged where it is refused; Qt's word about it says no more.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.gui.imageio*=false\nqt.svg*=false"));
 }
 
 bool QtApplication::event(QEvent* event) {

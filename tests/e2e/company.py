@@ -64,5 +64,15 @@ class Company:
         rows = self.ask("SELECT pkcs12 FROM certificates WHERE user_id = ?", self.user_id())
         return rows[0][0] if rows else None
 
+    def workplace(self):
+        return self.ask("SELECT work_address FROM users WHERE short_name = ?", self.USER)[0][0]
+
+    def mailed_code(self):
+        """The security code of the newest mail."""
+        mail = output_of(self._program, "mail", "show", "--data", self._data, env=self._env).decode()
+        code = re.search(r"安全码：(\S+)", mail)
+        expect(code, f"the mail has a code: {mail}")
+        return code[1]
+
     def sessions(self):
         return self.ask("SELECT count(*) FROM sessions WHERE user_id = ?", self.user_id())[0][0]

@@ -17,6 +17,7 @@ from pathlib import Path
 from client import LOGIN_SIZE, MAIN_SIZE, Client, LoginWindow, mode_of, texts_in
 from company import Company
 from desktop import Desktop
+from main_window_steps import MainWindowSteps
 from processes import ChildWatch, Failed, Processes, descendants, end_after, expect, output_of, stays, wait_for
 
 LONGEST = 180
@@ -31,12 +32,13 @@ class Journey:
         self._pictures = options.pictures
         self._taken = 0
         self._watched = set()
+        self._main_window = MainWindowSteps(desktop, company, client, self._photograph)
 
     def steps(self):
         return [self.first_start, self.wrong_password, self.second_tries_send_nothing, self.quits_on_request, self.fields_are_prefilled,
                 self.right_password, self.certificate_is_in_the_store, self.profile_is_written, self.session_is_kept,
-                self.nothing_secret_leaks, self.next_start_asks_nobody, self.closing_puts_it_behind, self.second_start_raises_the_first,
-                self.leaves_by_keyboard]
+                *self._main_window.steps(), self.nothing_secret_leaks, self.next_start_asks_nobody, self.closing_puts_it_behind,
+                self.second_start_raises_the_first, self.leaves_by_keyboard]
 
     def _photograph(self, name, window=None):
         self._taken += 1

@@ -60,6 +60,11 @@ class MainWindow:
             return "good"
         return "bad" if self._count(338, 334, 300, 30, self.ERR) > 10 else ""
 
+    def broom(self):
+        """The pixels of the animation's middle lines."""
+        picture, scale = self.look(), self._desktop.scale
+        return [picture.at(x * scale, y * scale) for x in range(240, 336, 2) for y in range(100, 170, 4)]
+
     def shows_reminder(self):
         """The scrim darkens the menu's ground."""
         return max(self.look().at(4 * self._desktop.scale, 400 * self._desktop.scale)) < 200
