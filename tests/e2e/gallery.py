@@ -5,6 +5,7 @@ Runs the client beside the company server on a virtual desktop, as the journey d
 the pointer. --scale 2 shows everything at 200 %.
 """
 import argparse
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -104,22 +105,24 @@ class Gallery:
         time.sleep(SETTLING)
         self._take("maximised", main.window)
 
-    def sheet(self, file):
-        """The windows side by side on grey, five in a row."""
-        # Palettes keep the sheet small; the pages have few colours.
-        subprocess.run(["montage", *self._pictures, "-background", "#D9DCE0", "-geometry", "+24+24", "-tile", "4x", "-colors", "256", f"png8:{file}"],
-                       check=True)
+    def sheet(self, file, names):
+        """The windows side by side on grey; when none is named, all but the one as large as the screen."""
+        chosen = [picture for picture in self._pictures if picture.stem[3:] in names or not names and "maximised" not in picture.stem]
+        subprocess.run(["montage", *chosen, "-background", "#D9DCE0", "-gravity", "north", "-geometry", "+16+16",
+                        "-tile", "4x" if len(chosen) > 8 else "2x", "-define", "png:compression-level=9", f"png24:{file}"], check=True)
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--build", type=Path, required=True, help="build directory with bin/, libexec/ and share/")
-    parser.add_argument("--pictures", type=Path, required=True, help="directory for the pictures")
+    parser.add_argument("--pictures", type=Path, required=True, help="directory for the pictures, emptied first")
     parser.add_argument("--sheet", type=Path, help="file for all of them together")
+    parser.add_argument("--only", nargs="*", default=[], help="what the sheet shows, such as menu uninstall")
     parser.add_argument("--scale", type=int, default=1)
     options = parser.parse_args()
     pictures = options.pictures.resolve()
-    pictures.mkdir(parents=True, exist_ok=True)
+    shutil.rmtree(pictures, ignore_errors=True)
+    pictures.mkdir(parents=True)
     end_after(LONGEST)
     processes = Processes(pictures / "logs")
     build = options.build.resolve()
@@ -132,7 +135,7 @@ def main():
             gallery = Gallery(desktop, Client(processes, desktop, company, build), company, pictures)
             gallery.walk()
             if options.sheet:
-                gallery.sheet(options.sheet)
+                gallery.sheet(options.sheet, options.only)
         except (Failed, OSError, subprocess.CalledProcessError) as problem:
             print(f"✗ {problem}")
             for name, lines in processes.tails():
