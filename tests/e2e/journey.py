@@ -38,7 +38,7 @@ class Journey:
         return [self.first_start, self.wrong_password, self.second_tries_send_nothing, self.quits_on_request, self.fields_are_prefilled,
                 self.right_password, self.certificate_is_in_the_store, self.profile_is_written, self.session_is_kept,
                 *self._main_window.steps(), self.nothing_secret_leaks, self.next_start_asks_nobody, self.closing_puts_it_behind,
-                self.second_start_raises_the_first, self.leaves_by_keyboard]
+                self.second_start_raises_the_first, self.leaves_by_keyboard, self.leaves_by_the_desktop_entry]
 
     def _photograph(self, name, window=None):
         self._taken += 1
@@ -220,6 +220,19 @@ class Journey:
         wait_for("the client ends", lambda: not self._client.is_running())
         expect(self._client.process.returncode == 0, f"Ctrl+Q ends it with 0, not {self._client.process.returncode}")
         return "Ctrl+Q: exit code 0"
+
+
+    def leaves_by_the_desktop_entry(self):
+        alone = self._client.start_another("--quit")
+        wait_for("a wish to nobody ends", lambda: alone.poll() is not None)
+        expect(alone.returncode == 0 and not self._desktop.windows(alone.pid), f"without a window and with 0, not {alone.returncode}")
+        self._client.start()
+        self._client.wait_for_window(MAIN_SIZE)
+        other = self._client.start_another("--quit")
+        wait_for("both end", lambda: other.poll() is not None and not self._client.is_running())
+        codes = (other.returncode, self._client.process.returncode)
+        expect(codes == (0, 0), f"both end with 0, not {codes}")
+        return "halvane --quit: both exit codes 0"
 
 
 def take(journey):

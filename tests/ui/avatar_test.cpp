@@ -170,6 +170,25 @@ TEST_F(AvatarStoreTest, what_cannot_be_shown_is_one_line_of_the_log_and_no_file)
     }
 }
 
+TEST_F(AvatarStoreTest, without_a_network_the_kept_picture_is_shown_and_the_next_time_asks_again) {
+    load();
+    reply(200, red);
+    start();
+    arrived.clear();
+    load();
+    transport.fail(transport.exchanges.size() - 1, util::UrlError::NotConnected);
+    mainLoop->runPending();
+    EXPECT_TRUE(arrived.empty()) << "the disk is slower than the failure";
+    settle();
+    EXPECT_EQ(arrived, std::vector<QColor>{Qt::red});
+    load();
+    settle();
+    EXPECT_EQ(arrived.size(), 2u);
+    reply(200, green);
+    EXPECT_EQ(arrived.back(), QColor(Qt::green));
+    EXPECT_EQ(arrived.size(), 3u);
+}
+
 TEST_F(AvatarStoreTest, endless_body_is_cancelled_on_its_way) {
     load();
     transport.exchanges[0]->data.onDownloadProgress({.completed = 4 * 1024 * 1024, .total = std::nullopt});

@@ -6,7 +6,9 @@
 #include "ui/widgets/TableView.h"
 
 #include <gtest/gtest.h>
+#include <QHelpEvent>
 #include <QTest>
+#include <QToolTip>
 
 namespace halvane::test {
 namespace {
@@ -172,6 +174,19 @@ TEST_F(SelectAddressWindowTest, switch_shows_the_preference_and_keeps_what_the_p
     preferences.set("HDCL_ISAUTOLOGIN", false);
     open();
     EXPECT_FALSE(autoSwitch().isChecked()) << "the login window has changed it";
+}
+
+TEST_F(SelectAddressWindowTest, long_name_is_repeated_in_its_tool_tip) {
+    cache({site("松岭", "SL"), site("松岭软件园北区第十七号楼东侧五层企业服务中心", "SL5")});
+    open();
+    const auto tipOf = [this](std::size_t row) {
+        table().rows()[row]->grab();
+        QHelpEvent help(QEvent::ToolTip, {20, 20}, table().rows()[row]->mapToGlobal(QPoint(20, 20)));
+        QCoreApplication::sendEvent(table().rows()[row], &help);
+        return QToolTip::text();
+    };
+    EXPECT_EQ(tipOf(0), QString());
+    EXPECT_TRUE(tipOf(1).contains(QStringLiteral("企业服务中心")));
 }
 
 TEST_F(SelectAddressWindowTest, escape_closes_it) {

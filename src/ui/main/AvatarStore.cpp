@@ -46,20 +46,24 @@ void AvatarStore::load(const std::string& url, Arrived arrived) {
     }
     if (!picture.final) picture.waiting.push_back(std::move(arrived));
     if (std::exchange(picture.asked, true)) return;
-    readCached(url);
+    if (!picture.cacheRead) readCached(url);
     fetch(url);
 }
 
 void AvatarStore::readCached(const std::string& url) {
     to_.worker->async([this, alive = std::weak_ptr(alive_), &files = to_.files, mainQueue = to_.mainQueue, url, file = fileOf(url)] {
-        auto bytes = files.read(file);
-        if (!bytes) return;
-        const QImage image = AvatarImage::decoded(*bytes);
-        if (image.isNull()) return;
-        mainQueue->async([this, alive, url, bytes = *std::move(bytes), image] {
-            if (!alive.expired() && !pictures_[url].final) show(url, bytes, image);
+        const auto read = files.read(file);
+        const util::Bytes bytes = read ? *read : util::Bytes();
+        mainQueue->async([this, alive, url, bytes, image = AvatarImage::decoded(bytes)] {
+            if (!alive.expired()) cacheRead(url, bytes, image);
         });
     });
+}
+
+void AvatarStore::cacheRead(const std::string& url, const util::Bytes& bytes, const QImage& image) {
+    pictures_[url].cacheRead = true;
+    if (!image.isNull() && !pictures_[url].final) show(url, bytes, image);
+    if (!pictures_[url].asked) pictures_[url].waiting.clear();  // the server failed before the disk answered
 }
 
 void AvatarStore::fetch(const std::string& url) {
@@ -114,8 +118,9 @@ void AvatarStore::show(const std::string& url, const util::Bytes& bytes, const Q
 }
 
 void AvatarStore::giveUp(const std::string& url, const std::string& why) {
-    pictures_[url].final = true;
-    pictures_[url].waiting.clear();
+    Picture& picture = pictures_[url];
+    picture.asked = false;
+    if (picture.cacheRead) picture.waiting.clear();
     to_.log.write("avatar: not loaded: " + why);
 }
 

@@ -24,7 +24,8 @@ class Log;
 
 namespace halvane::ui {
 
-/// Pictures of people by address: fetched once in the life of the program, kept on disk for the next.
+/// Pictures of people by address: fetched once in the life of the program, kept on disk for the next. One that
+/// could not be fetched is tried again when it is next asked for.
 /// Main thread; nothing in it waits for the disk, the network or a decoder. Nobody's session token is sent.
 /// Destroying the store cancels what is under way, and nothing arrives any more.
 class AvatarStore {
@@ -51,14 +52,16 @@ public:
 
 private:
     struct Picture {
-        bool asked = false;  ///< the server
-        bool final = false;  ///< the server answered
-        util::Bytes bytes;   ///< what `image` was made of
+        bool asked = false;      ///< the server, which has not failed to answer
+        bool final = false;      ///< the server's is here
+        bool cacheRead = false;  ///< and shown, if there was one
+        util::Bytes bytes;       ///< what `image` was made of
         QImage image;
         std::vector<Arrived> waiting;
     };
 
     void readCached(const std::string& url);
+    void cacheRead(const std::string& url, const util::Bytes& bytes, const QImage& image);
     void fetch(const std::string& url);
     void fetched(const std::string& url, const platform::HttpDataResult& result);
     void decoded(const std::string& url, const util::Bytes& bytes, const QImage& image);

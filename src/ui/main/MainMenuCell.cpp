@@ -1,10 +1,7 @@
 #include "ui/main/MainMenuCell.h"
 
 #include "ui/widgets/NamedImage.h"
-#include "ui/widgets/WholeTextTip.h"
 
-#include <QFontMetrics>
-#include <QHelpEvent>
 #include <QPainter>
 #include <utility>
 
@@ -28,27 +25,13 @@ constexpr RowView::Look look() {
 
 MainMenuCell::MainMenuCell(Entry entry) : RowView(look()), entry_(std::move(entry)) { setAccessibleName(entry_.title); }
 
-QFont MainMenuCell::titleFont() const { return C::font(C::Type::Body, isSelected() ? QFont::Bold : QFont::Normal); }
-
-QRect MainMenuCell::titleRect() const { return visibleRect().adjusted(kTextLeft, 0, -kTextRight, 0); }
-
 void MainMenuCell::paintEvent(QPaintEvent* event) {
     RowView::paintEvent(event);
     QPainter painter(this);
     const QRect visible = visibleRect();
     NamedImage::paint(painter, imageName(), {kImageLeft, visible.top() + (visible.height() - kImage) / 2, kImage, kImage});
-    painter.setFont(titleFont());
     painter.setPen(isSelected() ? C::colorInk : C::colorText1);
-    const QRect title = titleRect();
-    painter.drawText(title, Qt::AlignVCenter | Qt::TextSingleLine,
-                     QFontMetrics(titleFont()).elidedText(entry_.title, Qt::ElideRight, title.width()));
-}
-
-bool MainMenuCell::event(QEvent* event) {
-    const bool cut = QFontMetrics(titleFont()).horizontalAdvance(entry_.title) > titleRect().width();
-    if (event->type() != QEvent::ToolTip || !cut) return RowView::event(event);
-    WholeTextTip::show(*static_cast<QHelpEvent*>(event), *this, entry_.title);
-    return true;
+    paintName(painter, visible.adjusted(kTextLeft, 0, -kTextRight, 0), C::font(C::Type::Body, isSelected() ? QFont::Bold : QFont::Normal));
 }
 
 }  // namespace halvane::ui

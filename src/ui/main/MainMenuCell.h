@@ -20,12 +20,8 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    bool event(QEvent* event) override;
 
 private:
-    [[nodiscard]] QFont titleFont() const;
-    [[nodiscard]] QRect titleRect() const;
-
     Entry entry_;
 };
 

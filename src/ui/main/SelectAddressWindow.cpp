@@ -76,6 +76,7 @@ const std::optional<util::Value::List>& SelectAddressWindow::addressInfos() {
 void SelectAddressWindow::loadAddressData() {
     const auto& infos = addressInfos();
     if (!infos || infos->empty()) return;
+    dataSource_.clear();
     const session::HDCLUserModel* user = collaborators_.user.user_getUserInfo();
     for (const util::Value& entry : *infos) {
         const util::Dictionary* dictionary = entry.dictionary();

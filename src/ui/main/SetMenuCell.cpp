@@ -27,12 +27,8 @@ void SetMenuCell::paintEvent(QPaintEvent* event) {
     RowView::paintEvent(event);
     QPainter painter(this);
     NamedImage::paint(painter, imageName_, {kImageLeft, (height() - kImage) / 2, kImage, kImage});
-    const QFont font = C::font(C::Type::Body);
-    const QRect title = rect().adjusted(kTextLeft, 0, -kTextRight, 0);
-    painter.setFont(font);
     painter.setPen(C::colorText1);
-    painter.drawText(title, Qt::AlignVCenter | Qt::TextSingleLine,
-                     QFontMetrics(font).elidedText(accessibleName(), Qt::ElideRight, title.width()));
+    paintName(painter, rect().adjusted(kTextLeft, 0, -kTextRight, 0), C::font(C::Type::Body));
 }
 
 }  // namespace halvane::ui

@@ -1,10 +1,7 @@
 #include "ui/main/SetSelectAddressCell.h"
 
 #include "ui/widgets/NamedImage.h"
-#include "ui/widgets/WholeTextTip.h"
 
-#include <QFontMetrics>
-#include <QHelpEvent>
 #include <QPainter>
 
 namespace halvane::ui {
@@ -35,24 +32,13 @@ void SetSelectAddressCell::updateTitle(const QString& title, bool isSelect) {
     update();
 }
 
-QRect SetSelectAddressCell::titleRect() const { return rect().adjusted(kTextLeft, 0, -kImageRight - kImage - kGap, 0); }
-
 void SetSelectAddressCell::paintEvent(QPaintEvent* event) {
     RowView::paintEvent(event);
     QPainter painter(this);
     painter.setPen(C::colorText1);
-    const QRect title = titleRect();
-    painter.drawText(title, Qt::AlignVCenter | Qt::TextSingleLine,
-                     fontMetrics().elidedText(accessibleName().simplified(), Qt::ElideRight, title.width()));
+    paintName(painter, rect().adjusted(kTextLeft, 0, -kImageRight - kImage - kGap, 0), C::font(C::Type::Body));
     NamedImage::paint(painter, isSelect_ ? QStringLiteral("radio_selected") : QStringLiteral("radio_normal"),
                       {width() - kImageRight - kImage, (height() - kImage) / 2, kImage, kImage});
-}
-
-bool SetSelectAddressCell::event(QEvent* event) {
-    const bool cut = fontMetrics().horizontalAdvance(accessibleName()) > titleRect().width();
-    if (event->type() != QEvent::ToolTip || !cut) return RowView::event(event);
-    WholeTextTip::show(*static_cast<QHelpEvent*>(event), *this, accessibleName());
-    return true;
 }
 
 }  // namespace halvane::ui

@@ -17,11 +17,8 @@ public:
 protected:
     [[nodiscard]] bool isMarked() const override { return isSelect_; }
     void paintEvent(QPaintEvent* event) override;
-    bool event(QEvent* event) override;
 
 private:
-    [[nodiscard]] QRect titleRect() const;
-
     bool isSelect_ = false;
 };
 

@@ -1,5 +1,8 @@
 #include "ui/widgets/RowView.h"
 
+#include "ui/widgets/WholeTextTip.h"
+
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -10,7 +13,6 @@ RowView::RowView(const Look& look) : look_(look) {}
 void RowView::setSelected(bool selected) {
     if (selected_ == selected) return;
     selected_ = selected;
-    selectionChanged();
     update();
     QAccessible::State changed;
     changed.selected = true;
@@ -35,6 +37,20 @@ void RowView::paintEvent(QPaintEvent*) {
     }
     if (look_.line && !lineHidden_) painter.fillRect(visible.left(), visible.bottom(), visible.width(), 1, HDCLUICenter::colorLine);
     ring_.paint(painter, visible, look_.radius > 0 ? look_.radius : HDCLUICenter::radiusControl);
+}
+
+void RowView::paintName(QPainter& painter, const QRect& area, const QFont& font) {
+    const QString name = accessibleName().simplified();
+    const QString shown = QFontMetrics(font).elidedText(name, Qt::ElideRight, area.width());
+    nameCut_ = shown != name;
+    painter.setFont(font);
+    painter.drawText(area, Qt::AlignVCenter | Qt::TextSingleLine, shown);
+}
+
+bool RowView::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip || !nameCut_) return QWidget::event(event);
+    WholeTextTip::show(*static_cast<QHelpEvent*>(event), *this, accessibleName());
+    return true;
 }
 
 void RowView::mousePressEvent(QMouseEvent* event) {

@@ -42,9 +42,10 @@ protected:
     [[nodiscard]] QRect visibleRect() const { return rect().marginsRemoved(look_.inset); }
     /// Whether it is drawn as selected.
     [[nodiscard]] virtual bool isMarked() const { return selected_; }
-    /// After the row was selected or was no longer.
-    virtual void selectionChanged() {}
+    /// Draws the accessible name in one line; what does not fit is elided, and a tool tip then shows the whole.
+    void paintName(QPainter& painter, const QRect& area, const QFont& font);
 
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -61,6 +62,7 @@ private:
     bool selected_ = false;
     bool pressed_ = false;
     bool lineHidden_ = false;
+    bool nameCut_ = false;  ///< as last drawn
 };
 
 }  // namespace halvane::ui
