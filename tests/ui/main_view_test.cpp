@@ -82,6 +82,7 @@ TEST_F(MainViewTest, reloading_and_selecting_without_a_person_keep_menu_and_page
 }
 
 TEST_F(MainViewTest, whole_menu_works_by_keyboard) {
+    EXPECT_EQ(MainStory::focused(), "安全");
     story.control<QWidget>(menu(), "headView").setFocus(Qt::TabFocusReason);
     press(Qt::Key_Tab);
     EXPECT_EQ(MainStory::focused(), "安全");

@@ -69,6 +69,8 @@ void MainLeftMenuView::setUpUI() {
     reloadTableView();
 }
 
+void MainLeftMenuView::takeKeyboard() { tableView->takeKeyboard(Qt::OtherFocusReason); }
+
 void MainLeftMenuView::selectMenuIndex(int index) {
     if (index < 0 || index >= static_cast<int>(kEntries.size())) return;
     menuSelected(index);

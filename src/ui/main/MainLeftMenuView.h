@@ -47,6 +47,8 @@ public:
     void updateUserInfo(const session::HDCLUserModel& model);
     /// Keeps the selection.
     void reloadTableView();
+    /// The keyboard to the selected entry.
+    void takeKeyboard();
 
     /// Shows the person's menu, or closes it when it is shown.
     void showSetMenu();

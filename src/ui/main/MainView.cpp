@@ -58,6 +58,9 @@ void MainView::requestWorkAddress() {
     collaborators_.requests.getContactListUrlWithCurrentPage("0", "1", save, {});
 }
 
+// The arrow keys work from the start.
+void MainView::viewDidMoveToWindow() { leftMenuView_->takeKeyboard(); }
+
 void MainView::showUninstallAlert() {
     auto* window = dynamic_cast<HDCLBaseWindow*>(this->window());
     if (!window) return;

@@ -47,6 +47,7 @@ public:
     [[nodiscard]] MainRightOperationView& rightOperationView() { return *rightOperationView_; }
 
 protected:
+    void viewDidMoveToWindow() override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
