@@ -5,7 +5,9 @@
 #include "ui/widgets/TableView.h"
 
 #include <gtest/gtest.h>
+#include <QCursor>
 #include <QLabel>
+#include <QScreen>
 #include <QPointer>
 #include <QTest>
 
@@ -83,6 +85,16 @@ TEST_F(SetMenuTest, head_escape_and_a_click_beside_close_it_and_keep_it) {
     QTest::mouseClick(menu().popver(), Qt::LeftButton, {}, {60, 40});
     EXPECT_FALSE(isOpen());
     EXPECT_EQ(menu().popver(), first) << "only an entry that runs drops it";
+}
+
+TEST_F(SetMenuTest, head_looks_pressed_as_long_as_it_is_open) {
+    QCursor::setPos(window->screen()->geometry().bottomRight());
+    auto& head = story.control<QWidget>(menu(), "headView");
+    const QImage before = head.grab().toImage();
+    menu().showSetMenu();
+    EXPECT_NE(head.grab().toImage(), before);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(head.grab().toImage(), before);
 }
 
 TEST_F(SetMenuTest, keyboard_opens_walks_and_returns) {
