@@ -86,6 +86,7 @@ login::LoginView& AppDelegate::loginView() {
 
 bool AppDelegate::windowShouldClose(ui::HDCLBaseWindow& window) {
     if (dynamic_cast<LoginWindow*>(&window)) {
+        uninstallWanted_ = false;  // whoever turns away from the login gives it up
         if (collaborators_.user.user_isLogin()) return true;
         window.orderBack();
         return false;

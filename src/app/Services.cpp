@@ -73,6 +73,8 @@ struct Services::Parts {
     std::unique_ptr<linux::AsioDispatchQueues> queues = std::make_unique<linux::AsioDispatchQueues>();
     std::shared_ptr<platform::DispatchQueue> credentialQueue = queues->makeSerial("com.halvane.credentials");
     std::shared_ptr<platform::DispatchQueue> toolQueue = queues->makeSerial("com.halvane.tools");
+    // Of its own, because a certificate's import may keep the tools busy for long.
+    std::shared_ptr<platform::DispatchQueue> uninstallQueue = queues->makeSerial("com.halvane.uninstall");
     std::shared_ptr<platform::DispatchQueue> workQueue = queues->makeConcurrent("com.halvane.work");
 
     util::NotificationCenter notifications;
@@ -137,7 +139,7 @@ std::string Services::userAgent() const { return parts_->userAgent; }
 std::unique_ptr<tools::UninstallAuthorisation> Services::makeUninstallAuthorisation() {
     Parts& my = *parts_;
     return std::make_unique<tools::UninstallAuthorisation>(
-        tools::UninstallAuthorisation::Collaborators{*my.toolQueue, my.mainLoop, my.user, my.requests, my.device});
+        tools::UninstallAuthorisation::Collaborators{*my.uninstallQueue, my.mainLoop, my.user, my.requests, my.device});
 }
 
 std::unique_ptr<login::LoginFlow> Services::makeLoginFlow(login::LoginScreen& screen, platform::Browser& browser) {

@@ -64,6 +64,7 @@ void UnInstallAlertView::setUpUI() {
     uninstallBtn->setVisibleGeometry({{kRight - kButton.width(), kButtonTop}, kButton});
     closeBtn = new ui::ToolButton(QStringLiteral("ui_close"), QStringLiteral("✕"), ui::ToolButton::Shows::ImageOnly, box);
     closeBtn->setAccessibleName(QStringLiteral("关闭"));
+    closeBtn->setToolTip(closeBtn->accessibleName());
     closeBtn->setVisibleGeometry({kRight - 36 + 10, 22, 36, 36});
 
     tipLabel = new ui::TipLabel(box);

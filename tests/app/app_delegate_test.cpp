@@ -192,6 +192,10 @@ TEST_F(AppDelegateTest, uninstall_reminder_comes_at_once_or_follows_the_login) {
     delegate->loginView().MainW()->orderOut();
     delegate->applicationShouldUninstall();
     EXPECT_TRUE(delegate->loginW().isVisible()) << "a hidden main window belongs to nobody";
+    user.user_deleteUserInfo();
+    delegate->loginW().close();
+    loginSucceeds();
+    EXPECT_FALSE(isReminderShown()) << "who turned away from the login gave it up";
 }
 
 }  // namespace

@@ -117,6 +117,9 @@ TEST_F(UnInstallAlertViewTest, every_press_sends_one_request) {
     type("123456");
     press(Qt::Key_Return);
     EXPECT_EQ(requests(), 3u);
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"), true);
+    QCoreApplication::sendEvent(&field(), &held);
+    EXPECT_EQ(requests(), 3u) << "a key that is held is one press";
     EXPECT_EQ(urlOf(0), "http://company.test/api/client/user/equipment/uninstall_apply");
     EXPECT_EQ(urlOf(2), "http://company.test/api/client/user/equipment/uninstall_sure");
 }

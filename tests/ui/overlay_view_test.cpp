@@ -4,8 +4,11 @@
 #include "ui/widgets/TextField.h"
 
 #include <gtest/gtest.h>
+#include <QAccessible>
 #include <QApplication>
+#include <QLineEdit>
 #include <QTest>
+#include <vector>
 
 namespace halvane::ui {
 namespace {
@@ -66,6 +69,50 @@ TEST_F(OverlayViewTest, keyboard_goes_in_round_and_back_out) {
     EXPECT_FALSE(overlay.isOverlaid());
     EXPECT_FALSE(overlay.isVisible());
     EXPECT_EQ(focused(), "beneath");
+}
+
+TEST_F(OverlayViewTest, keyboard_returns_to_its_window_when_another_one_was_active) {
+    for (const bool activeAtTheEnd : {true, false}) {
+        QWidget other;
+        QLineEdit elsewhere(&other);
+        other.show();
+        other.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+        elsewhere.setFocus();
+        overlay.overlay(&window);
+        if (activeAtTheEnd) {
+            window.activateWindow();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+            EXPECT_EQ(focused(), "first");
+        }
+        overlay.withdraw();
+        EXPECT_EQ(window.focusWidget(), field);
+    }
+}
+
+TEST_F(OverlayViewTest, keyboard_finds_somebody_when_who_had_it_is_gone) {
+    auto* stays = new TextField(&window);
+    stays->show();
+    overlay.overlay(&window);
+    delete field;
+    overlay.withdraw();
+    EXPECT_EQ(window.focusWidget(), stays);
+}
+
+TEST_F(OverlayViewTest, nobody_else_gets_the_keyboard_on_its_way_back) {
+    overlay.overlay(&window);
+    std::vector<QWidget*> way;
+    const auto connection = QObject::connect(qApp, &QApplication::focusChanged, [&way](QWidget*, QWidget* now) { way.push_back(now); });
+    overlay.withdraw();
+    QObject::disconnect(connection);
+    EXPECT_EQ(way, std::vector<QWidget*>{field});
+}
+
+TEST_F(OverlayViewTest, screen_readers_hear_of_a_dialog) {
+    overlay.overlay(&window);
+    auto* dialog = QAccessible::queryAccessibleInterface(&overlay);
+    EXPECT_EQ(dialog->role(), QAccessible::Dialog);
+    EXPECT_EQ(dialog->text(QAccessible::Name), QStringLiteral("question"));
 }
 
 TEST_F(OverlayViewTest, covers_its_view_and_follows_its_size) {

@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 #include <QCursor>
 #include <QLabel>
-#include <QScreen>
 #include <QPointer>
+#include <QScreen>
 #include <QTest>
 
 namespace halvane::test {

@@ -1,6 +1,7 @@
 #include "ui/widgets/Accessibility.h"
 
 #include "ui/widgets/AccessibleRow.h"
+#include "ui/widgets/OverlayView.h"
 #include "ui/widgets/PictureView.h"
 #include "ui/widgets/RowView.h"
 #include "ui/widgets/TableView.h"
@@ -21,6 +22,7 @@ public:
 QAccessibleInterface* interfaceOf(const QString& /*className*/, QObject* object) {
     if (auto* row = dynamic_cast<RowView*>(object)) return new AccessibleRow(*row);
     if (auto* table = dynamic_cast<TableView*>(object)) return new QAccessibleWidget(table, QAccessible::List);
+    if (auto* overlay = dynamic_cast<OverlayView*>(object)) return new QAccessibleWidget(overlay, QAccessible::Dialog);
     if (auto* picture = dynamic_cast<PictureView*>(object)) return new AccessiblePicture(picture);
     return nullptr;
 }

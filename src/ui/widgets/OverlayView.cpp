@@ -1,9 +1,11 @@
 #include "ui/widgets/OverlayView.h"
 
 #include "ui/widgets/HDCLUICenter.h"
+#include "ui/widgets/RowView.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QFocusEvent>
 #include <QGraphicsOpacityEffect>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -53,20 +55,14 @@ protected:
     void mousePressEvent(QMouseEvent* event) override { event->accept(); }
 };
 
-OverlayView::OverlayView(const QString& name, Ground ground) : ground_(ground), panel_(new RaisedPanel(this)) {
-    setAccessibleName(name);
-    panel_->setAccessibleName(name);
-}
+OverlayView::OverlayView(const QString& name, Ground ground) : ground_(ground), panel_(new RaisedPanel(this)) { setAccessibleName(name); }
 
 QWidget& OverlayView::panel() const { return *panel_; }
 
 void OverlayView::overlay(QWidget* view) {
-    before_ = QApplication::focusWidget();
-    // A click leaves the keyboard where it is, so a button that has it was worked by keyboard, and the
-    // person shall see where the keyboard went.
-    reason_ = qobject_cast<QAbstractButton*>(before_) ? Qt::TabFocusReason : Qt::PopupFocusReason;
     if (view_) view_->removeEventFilter(this);
     view_ = view;
+    rememberKeyboard();
     view->installEventFilter(this);
     setParent(view);
     setGeometry(view->rect());
@@ -80,14 +76,39 @@ void OverlayView::overlay(QWidget* view) {
     }
 }
 
+/// Of the view's window, which need not be the active one: a removal is asked for from outside.
+void OverlayView::rememberKeyboard() {
+    before_ = view_->window()->focusWidget();
+    // A click leaves the keyboard where it is, so a button that has it was worked by keyboard, and the
+    // person shall see where the keyboard went.
+    const auto* row = dynamic_cast<RowView*>(before_.data());
+    const bool byKeyboard = qobject_cast<QAbstractButton*>(before_) || (row && row->isRingShown());
+    reason_ = byKeyboard ? Qt::TabFocusReason : Qt::OtherFocusReason;
+    if (!before_ || view_->isActiveWindow()) return;
+    // In a window that is not active nobody is told that the keyboard left.
+    QFocusEvent left(QEvent::FocusOut, Qt::OtherFocusReason);
+    QCoreApplication::sendEvent(before_, &left);
+}
+
 void OverlayView::withdraw() {
     if (!view_) return;
-    const bool hadKeyboard = isAncestorOf(QApplication::focusWidget()) || QApplication::focusWidget() == this;
-    view_->removeEventFilter(this);
+    QWidget* view = view_;
+    view->removeEventFilter(this);
     view_ = nullptr;
+    // Before this is hidden, or the next control in it would get the keyboard on the way.
+    const QWidget* focused = view->window()->focusWidget();
+    if (focused == this || isAncestorOf(focused)) giveKeyboardBack(*view);
     hide();
     setParent(nullptr);
-    if (hadKeyboard && before_ && before_->isVisible()) before_->setFocus(reason_);
+}
+
+void OverlayView::giveKeyboardBack(QWidget& view) {
+    QWidget* heir = before_ && before_->isVisible() && before_->window() == view.window() ? before_.data() : nullptr;
+    for (QWidget* each : view.findChildren<QWidget*>()) {
+        if (heir) break;
+        if (each->isVisible() && each->isEnabled() && (each->focusPolicy() & Qt::TabFocus) != 0 && !isAncestorOf(each)) heir = each;
+    }
+    if (heir) heir->setFocus(reason_);
 }
 
 void OverlayView::fadeIn() {

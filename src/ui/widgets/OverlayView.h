@@ -45,13 +45,15 @@ protected:
 private:
     class RaisedPanel;
 
+    void rememberKeyboard();
+    void giveKeyboardBack(QWidget& view);
     void fadeIn();
 
     Ground ground_;
     RaisedPanel* panel_;
     QPointer<QWidget> view_;
     QPointer<QWidget> before_;                       ///< who had the keyboard
-    Qt::FocusReason reason_ = Qt::PopupFocusReason;  ///< how the keyboard comes and goes
+    Qt::FocusReason reason_ = Qt::OtherFocusReason;  ///< how the keyboard comes and goes
 };
 
 }  // namespace halvane::ui

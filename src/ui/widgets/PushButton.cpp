@@ -42,7 +42,8 @@ void PushButton::paintEvent(QPaintEvent*) {
 void PushButton::paintFocus(QPainter& painter) const { ring_.paint(painter, rect()); }
 
 bool PushButton::event(QEvent* event) {
-    const bool cut = fontMetrics().horizontalAdvance(text()) > titleRect().width();
+    const QRect title = titleRect();
+    const bool cut = !title.isEmpty() && fontMetrics().horizontalAdvance(text()) > title.width();
     if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || !cut) return QPushButton::event(event);
     WholeTextTip::show(*static_cast<QHelpEvent*>(event), *this, text());
     return true;

@@ -27,6 +27,8 @@ public:
 
     [[nodiscard]] bool isSelected() const { return selected_; }
     void setSelected(bool selected);
+    /// Whether it has the keyboard of somebody who works by keyboard.
+    [[nodiscard]] bool isRingShown() const { return ring_.isShown(); }
 
     /// The state of the box or button that the row shows; absent when it shows none.
     [[nodiscard]] virtual std::optional<bool> isChecked() const { return std::nullopt; }

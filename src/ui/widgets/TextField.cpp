@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
 
@@ -49,6 +50,12 @@ void TextField::paintEvent(QPaintEvent* event) {
         paintBesideText(painter);
     }
     QLineEdit::paintEvent(event);
+}
+
+void TextField::keyPressEvent(QKeyEvent* event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (enter && event->isAutoRepeat()) return;
+    QLineEdit::keyPressEvent(event);
 }
 
 void TextField::focusInEvent(QFocusEvent* event) {

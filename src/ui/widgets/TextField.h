@@ -4,7 +4,7 @@
 
 namespace halvane::ui {
 
-/// A line of text whose border says whether it has the keyboard.
+/// A line of text whose border says whether it has the keyboard. Enter counts once, however long it is held.
 class TextField : public QLineEdit {
 public:
     /// `textLeft`: where its text begins.
@@ -12,6 +12,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
