@@ -81,13 +81,13 @@ int main(int argc, char** argv) {
     qt::choosePlatform();
     qt::QtApplication application(argc, argv);
     ui::HDCLUICenter::applyTo(application);
-    const auto services =
-        app::Services::make({.serverBaseUrl = line->server.value_or(app::Deployment::kServerBaseUrl),
-                             .toolRoot = surroundings.toolRoot,
-                             .resources = surroundings.resources,
-                             .language = surroundings.language,
-                             .inform = [](const std::string& text) { ui::AlertSheet::present(QString::fromStdString(text)); }},
-                            std::make_shared<qt::QtMainLoop>());
+    const auto services = app::Services::make(
+        {.serverBaseUrl = line->server.value_or(app::Deployment::kServerBaseUrl),
+         .toolRoot = surroundings.toolRoot,
+         .resources = surroundings.resources,
+         .language = surroundings.language,
+         .inform = [](const std::string& text) { ui::AlertSheet::presentWhereThePersonIs(QString::fromStdString(text)); }},
+        std::make_shared<qt::QtMainLoop>());
     if (!services) return complain(services.error().description, kCannotRun);
     (*services)->reachability().startMonitoring();
     return runClient(application, **services, arguments, line->wish);

@@ -21,7 +21,13 @@ constexpr int kTextRight = 20;
 }  // namespace
 
 CleanRubbishCell::CleanRubbishCell()
-    : RowView({.inset = {}, .radius = 0, .selected = C::colorSub, .hover = C::colorSub, .pressed = C::colorHover, .line = true}),
+    : RowView({.inset = {},
+               .radius = 0,
+               .selected = C::colorSub,
+               .selectedHover = {},
+               .hover = C::colorSub,
+               .pressed = C::colorHover,
+               .line = true}),
       contentLabel(new ui::ElidedLabel(QString(), C::font(C::Type::Item), C::colorText1, this)) {
     contentLabel->setObjectName(QStringLiteral("contentLabel"));
 }

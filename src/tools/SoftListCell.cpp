@@ -28,6 +28,7 @@ SoftListCell::SoftListCell()
     : RowView({.inset = {0, 0, kScrollBar, 0},
                .radius = 0,
                .selected = C::colorSub,
+               .selectedHover = {},
                .hover = C::colorSub,
                .pressed = C::colorHover,
                .line = true}),

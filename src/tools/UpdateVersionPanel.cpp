@@ -7,7 +7,7 @@
 #include "ui/widgets/ImageView.h"
 #include "util/Log.h"
 
-#include <QKeyEvent>
+#include <algorithm>
 
 namespace halvane::tools {
 
@@ -19,7 +19,7 @@ constexpr QSize kSize(400, 300);
 constexpr int kMargin = 24;
 constexpr int kLogo = 88;
 constexpr int kLogoTop = 32;
-constexpr QSize kButton(180, 40);
+constexpr QSize kButton(180, 40);  // wider for a long version
 constexpr int kButtonTop = 144;
 constexpr int kVersionHeight = 26;
 constexpr int kVersionBottom = 70;  // from the panel's lower edge
@@ -34,7 +34,6 @@ UpdateVersionPanel::UpdateVersionPanel(platform::Updater& updater, util::Log& lo
     setObjectName(QStringLiteral("UpdateVersionPanel"));
     setStandardButtonHidden(StandardButton::Close);
     setStandardButtonHidden(StandardButton::Miniaturize);
-    setStyleMask(StyleMask(Titled | Closable));
     setUpUI(localVersion);
     setContentSize(kSize);
     observeUpdater();
@@ -72,12 +71,14 @@ void UpdateVersionPanel::didFindValidUpdate(const std::string& versionString) {
     log_.write("发现新版本" + versionString);
     updateBtn->setText(QStringLiteral("发现新版本V%1").arg(QString::fromStdString(versionString).simplified()));
     updateBtn->setGround(ui::FilledButton::Ground::ThemeOrange);
+    place();
 }
 
 void UpdateVersionPanel::didNotFindUpdate() {
     log_.write("已经是最新版本");
     updateBtn->setText(QStringLiteral("已经是最新版本"));
     updateBtn->setGround(ui::FilledButton::Ground::Slate);
+    place();
 }
 
 void UpdateVersionPanel::updateAction() {
@@ -93,23 +94,17 @@ void UpdateVersionPanel::updateBtnIsHidden(bool hidden) {
 void UpdateVersionPanel::place() {
     const int centre = width() / 2;
     iconImgView->setGeometry(centre - kLogo / 2, kLogoTop, kLogo, kLogo);
-    updateBtn->setVisibleGeometry({{centre - kButton.width() / 2, kButtonTop}, kButton});
+    const int wanted = updateBtn->sizeHint().width() - 2 * C::ringMargin;
+    const int buttonWidth = std::clamp(wanted, kButton.width(), width() - 2 * kMargin);
+    updateBtn->setVisibleGeometry({centre - buttonWidth / 2, kButtonTop, buttonWidth, kButton.height()});
     const int bottom = height() - (updateBtn->isHidden() ? kVersionBottomAlone : kVersionBottom);
     versionLabel->setGeometry(kMargin, bottom - kVersionHeight, width() - 2 * kMargin, kVersionHeight);
     detailLabel->setGeometry(kMargin, kDetailTop, width() - 2 * kMargin, kDetailHeight);
 }
 
 void UpdateVersionPanel::resizeEvent(QResizeEvent* event) {
-    HDCLBaseWindow::resizeEvent(event);
+    PanelWindow::resizeEvent(event);
     place();
-}
-
-void UpdateVersionPanel::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape) {
-        close();
-        return;
-    }
-    HDCLBaseWindow::keyPressEvent(event);
 }
 
 }  // namespace halvane::tools

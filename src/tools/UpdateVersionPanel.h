@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/widgets/HDCLBaseWindow.h"
+#include "ui/widgets/PanelWindow.h"
 
 #include <memory>
 #include <string>
@@ -21,9 +21,9 @@ class ImageView;
 namespace halvane::tools {
 
 /// Which version is installed, and whether there is a newer one: asks the updater once, when it is made,
-/// and shows the answer whenever that comes. Without buttons in its frame; Escape closes it too. Whoever
+/// and shows the answer whenever that comes. Without buttons in its frame. Whoever
 /// owns it gives it its title. Main thread; `updater` and `log` outlive it.
-class UpdateVersionPanel final : public ui::HDCLBaseWindow {
+class UpdateVersionPanel final : public ui::PanelWindow {
 public:
     UpdateVersionPanel(platform::Updater& updater, util::Log& log, const std::string& localVersion);
 
@@ -34,7 +34,6 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void setUpUI(const std::string& localVersion);

@@ -47,10 +47,13 @@ TEST_F(UpdateVersionPanelTest, tells_button_and_log_apart) {
     updater.find("2.1");
     EXPECT_EQ(button().text(), QStringLiteral("发现新版本V2.1"));
     EXPECT_EQ(button().ground(), Ground::ThemeOrange);
+    const int width = button().width();
+    updater.find("2026.10.1-rc2");
+    EXPECT_GT(button().width(), width) << "a long version has room";
     updater.findNothing();
     EXPECT_EQ(button().text(), QStringLiteral("已经是最新版本"));
     EXPECT_EQ(button().ground(), Ground::Slate);
-    EXPECT_EQ(log.lines(), (Events{"发现新版本2.1", "已经是最新版本"}));
+    EXPECT_EQ(log.lines(), (Events{"发现新版本2.1", "发现新版本2026.10.1-rc2", "已经是最新版本"}));
 }
 
 TEST_F(UpdateVersionPanelTest, closes_before_the_updater_shows_itself) {
@@ -61,7 +64,12 @@ TEST_F(UpdateVersionPanelTest, closes_before_the_updater_shows_itself) {
 }
 
 TEST_F(UpdateVersionPanelTest, escape_closes_it_and_an_answer_may_come_when_it_is_closed_or_gone) {
+    press(Qt::Key_Return);
+    EXPECT_EQ(events.size(), 1u) << "the key that opened it sets off nothing";
     QTest::keyClick(panel.get(), Qt::Key_Escape);
+    EXPECT_FALSE(panel->isVisible());
+    panel->show();
+    QTest::keyClick(panel.get(), Qt::Key_W, Qt::ControlModifier);
     EXPECT_FALSE(panel->isVisible());
     updater.find("3");
     panel->show();

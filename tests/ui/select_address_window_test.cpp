@@ -155,6 +155,36 @@ TEST_F(SelectAddressWindowTest, list_that_arrives_later_is_for_the_next_start) {
     EXPECT_EQ(window->addressInfos()->size(), 3u) << "the preferences are read once";
 }
 
+TEST_F(SelectAddressWindowTest, next_person_sees_and_sends_their_own_choice) {
+    openWithThree();
+    click(2);
+    window->close();
+    open();
+    EXPECT_EQ(rows(), "枫林T1 松岭 成都* ") << "of the same person, what was chosen";
+    window->close();
+    story.signIn({{"numId", "8"}, {"work_address", "FL1"}});
+    open();
+    EXPECT_EQ(rows(), "枫林T1* 松岭 成都 ");
+    click(2);
+    EXPECT_EQ(urls().size(), 2u);
+    EXPECT_EQ(urls().back(), "GET http://company.test/api/client/user/work_address/8?work_address=CD");
+}
+
+TEST_F(SelectAddressWindowTest, marked_row_is_in_sight_and_the_opening_key_sets_off_nothing) {
+    Value::List list;
+    for (int i = 0; i < 30; ++i) list.push_back(Dictionary{{"name", i}, {"value", i}});
+    story.signIn({{"work_address", "25"}});
+    cache(list);
+    open();
+    auto* marked = table().rows().at(25);
+    EXPECT_TRUE(table().viewport()->rect().contains(marked->mapTo(table().viewport(), marked->rect().center())));
+    press(Qt::Key_Return);
+    press(Qt::Key_Space);
+    EXPECT_TRUE(urls().empty());
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), marked);
+}
+
 TEST_F(SelectAddressWindowTest, switch_shows_the_preference_and_keeps_what_the_person_says) {
     auto& preferences = story.company.preferences;
     preferences.set("HDCL_ISAUTOLOGIN", true);

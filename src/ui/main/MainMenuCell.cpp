@@ -18,7 +18,12 @@ constexpr int kTextLeft = 52;
 constexpr int kTextRight = 12;
 
 constexpr RowView::Look look() {
-    return {.inset = {0, 0, 0, kGap}, .radius = C::radiusRow, .selected = C::colorSoft, .hover = C::colorHover, .pressed = C::colorPressed};
+    return {.inset = {0, 0, 0, kGap},
+            .radius = C::radiusRow,
+            .selected = C::colorSoft,
+            .selectedHover = {},
+            .hover = C::colorHover,
+            .pressed = C::colorPressed};
 }
 
 }  // namespace

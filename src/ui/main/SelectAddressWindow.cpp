@@ -12,7 +12,6 @@
 #include "util/Log.h"
 
 #include <fmt/format.h>
-#include <QKeyEvent>
 #include <utility>
 
 namespace halvane::ui {
@@ -34,7 +33,6 @@ constexpr int kSwitchHeight = 24;
 
 SelectAddressWindow::SelectAddressWindow(Collaborators collaborators) : collaborators_(collaborators) {
     setObjectName(QStringLiteral("SelectAddressWindow"));
-    setStyleMask(StyleMask(Titled | Closable));
     setUpUI();
     setContentSize(kSize);
     loadAddressData();
@@ -77,15 +75,22 @@ void SelectAddressWindow::loadAddressData() {
     const auto& infos = addressInfos();
     if (!infos || infos->empty()) return;
     dataSource_.clear();
-    const session::HDCLUserModel* user = collaborators_.user.user_getUserInfo();
     for (const util::Value& entry : *infos) {
-        const util::Dictionary* dictionary = entry.dictionary();
-        if (!dictionary) continue;  // nothing that could be shown or sent
-        const auto& model = dataSource_.emplace_back(session::WorkAddressModel::fromDictionary(*dictionary));
-        if (user && user->work_address && user->work_address == model.value) currentSelectIndex_ = static_cast<int>(dataSource_.size()) - 1;
+        // Anything else could be neither shown nor sent.
+        if (const util::Dictionary* dictionary = entry.dictionary())
+            dataSource_.push_back(session::WorkAddressModel::fromDictionary(*dictionary));
     }
+    markWorkplace();
     MenuTableView->reloadData();
-    MenuTableView->setTabStop(currentSelectIndex_);
+}
+
+void SelectAddressWindow::markWorkplace() {
+    currentSelectIndex_ = 0;
+    const session::HDCLUserModel* user = collaborators_.user.user_getUserInfo();
+    markedFor_ = user ? user->numId : std::nullopt;
+    if (!user || !user->work_address) return;
+    for (std::size_t index = 0; index < dataSource_.size(); ++index)
+        if (dataSource_[index].value == user->work_address) currentSelectIndex_ = static_cast<int>(index);
 }
 
 RowView* SelectAddressWindow::cellFor(int row, RowView* before) {
@@ -127,16 +132,17 @@ void SelectAddressWindow::showAutoLogin() {
 }
 
 void SelectAddressWindow::showEvent(QShowEvent* event) {
-    HDCLBaseWindow::showEvent(event);
+    PanelWindow::showEvent(event);
     showAutoLogin();  // the login window has a switch of its own
-}
-
-void SelectAddressWindow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape) {
-        close();
-        return;
+    if (dataSource_.empty()) return;
+    const session::HDCLUserModel* user = collaborators_.user.user_getUserInfo();
+    if (user && user->numId != markedFor_) {
+        // Somebody else: what the one before chose is no choice of theirs.
+        markWorkplace();
+        MenuTableView->selectRow(-1);
+        MenuTableView->reloadData();
     }
-    HDCLBaseWindow::keyPressEvent(event);
+    MenuTableView->setTabStop(currentSelectIndex_);
 }
 
 }  // namespace halvane::ui

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "session/WorkAddressModel.h"
-#include "ui/widgets/HDCLBaseWindow.h"
+#include "ui/widgets/PanelWindow.h"
 
 #include <array>
 #include <optional>
@@ -31,7 +31,7 @@ class TableView;
 /// The settings: the person's workplace, of which each choice is sent to the server at once, and the
 /// automatic login. The list is the one that was cached when the window was made. Main thread; the
 /// collaborators outlive it.
-class SelectAddressWindow final : public HDCLBaseWindow {
+class SelectAddressWindow final : public PanelWindow {
 public:
     struct Collaborators {
         session::HDCLUserConfig& user;
@@ -60,18 +60,20 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void setUpUI();
     [[nodiscard]] RowView* cellFor(int row, RowView* before);
     void showAutoLogin();
+    /// Marks the workplace of whoever is signed in, unless that was done.
+    void markWorkplace();
 
     Collaborators collaborators_;
     bool addressInfosRead_ = false;
     std::optional<util::Value::List> addressInfos_;
     std::vector<session::WorkAddressModel> dataSource_;
     int currentSelectIndex_ = 0;
+    std::optional<std::string> markedFor_;  ///< user id
     ElidedLabel* titleTF;
     TableView* MenuTableView;
     ElidedLabel* autoLoginTF;

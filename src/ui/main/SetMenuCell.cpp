@@ -18,7 +18,12 @@ constexpr int kTextRight = 12;
 }  // namespace
 
 SetMenuCell::SetMenuCell(const QString& title, const QString& imageName)
-    : RowView({.inset = {}, .radius = C::radiusControl, .selected = {}, .hover = C::colorHover, .pressed = C::colorPressed}),
+    : RowView({.inset = {},
+               .radius = C::radiusControl,
+               .selected = {},
+               .selectedHover = {},
+               .hover = C::colorHover,
+               .pressed = C::colorPressed}),
       imageName_(imageName) {
     setAccessibleName(title);
 }

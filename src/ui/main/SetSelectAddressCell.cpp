@@ -18,7 +18,12 @@ constexpr int kGap = 8;
 }  // namespace
 
 SetSelectAddressCell::SetSelectAddressCell()
-    : RowView({.inset = {}, .radius = 0, .selected = C::colorSoft, .hover = C::colorSub, .pressed = C::colorHover}) {}
+    : RowView({.inset = {},
+               .radius = 0,
+               .selected = C::colorSoft,
+               .selectedHover = C::colorSoftPressed,
+               .hover = C::colorSub,
+               .pressed = C::colorHover}) {}
 
 void SetSelectAddressCell::updateTitle(const QString& title, bool isSelect) {
     setAccessibleName(title);

@@ -69,6 +69,12 @@ void AlertSheet::present(const QString& text) {
     if (QWidget* window = firstWindow()) (new AlertSheet(text, window))->open();
 }
 
+void AlertSheet::presentWhereThePersonIs(const QString& text) {
+    QWidget* window = dynamic_cast<HDCLBaseWindow*>(QApplication::activeWindow());
+    if (!window) return present(text);
+    (new AlertSheet(text, window))->open();
+}
+
 void AlertSheet::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     QAccessibleEvent alert(this, QAccessible::Alert);

@@ -13,6 +13,8 @@ public:
     /// Shows one on the application's first window, that is the one that was put on the screen before
     /// all others, and returns at once. Without a window nothing is shown.
     static void present(const QString& text);
+    /// On the window in which the person is, on the first one when that is none of ours.
+    static void presentWhereThePersonIs(const QString& text);
 
 protected:
     void showEvent(QShowEvent* event) override;

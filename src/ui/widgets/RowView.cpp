@@ -21,7 +21,7 @@ void RowView::setSelected(bool selected) {
 }
 
 QColor RowView::groundColor() const {
-    if (isMarked() && look_.selected.isValid()) return look_.selected;
+    if (isMarked() && look_.selected.isValid()) return underMouse() && look_.selectedHover.isValid() ? look_.selectedHover : look_.selected;
     if (pressed_) return look_.pressed;
     return underMouse() && isEnabled() ? look_.hover : QColor();
 }
@@ -64,7 +64,8 @@ void RowView::mouseReleaseEvent(QMouseEvent* event) {
     pressed_ = false;
     update();
     // The last thing, because it may end this row.
-    if (rect().contains(event->position().toPoint()) && onActivated) onActivated();
+    if (!rect().contains(event->position().toPoint())) return;
+    if (const auto activated = onActivated) activated();
 }
 
 void RowView::focusInEvent(QFocusEvent* event) {

@@ -17,7 +17,8 @@ public:
     struct Look {
         QMargins inset;  ///< between the row's place in the table and what it draws
         int radius = 0;
-        QColor selected;  ///< an invalid colour: drawn as if not selected
+        QColor selected;       ///< an invalid colour: drawn as if not selected
+        QColor selectedHover;  ///< an invalid colour: as selected
         QColor hover;
         QColor pressed;
         bool line = false;  ///< a hairline beneath, but for the last row within a frame

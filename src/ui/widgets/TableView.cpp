@@ -97,7 +97,7 @@ void TableView::reloadData() {
         rows_[static_cast<std::size_t>(row)]->setSelected(row == selectedRow_);
         rows_[static_cast<std::size_t>(row)]->setLineHidden(frame_ && row == count - 1);
     }
-    setTabStop(std::clamp(tabStop_, 0, std::max(0, count - 1)));
+    setTabStop(std::clamp(tabStop_, 0, std::max(0, count - 1)), Sight::Leave);
     orderTabs();
     placeRows();
     if (has(keyboard) && rowWithKeyboard() != keyboard) rows_[static_cast<std::size_t>(keyboard)]->setFocus(Qt::OtherFocusReason);
@@ -106,7 +106,7 @@ void TableView::reloadData() {
 void TableView::adopt(int row, RowView* view) {
     rows_.push_back(view);
     view->onActivated = [this, row] { choose(row); };
-    view->onFocused = [this, row] { setTabStop(row); };
+    view->onFocused = [this, view, row] { setTabStop(row, view->isRingShown() ? Sight::Bring : Sight::Leave); };
     if (view->parentWidget() == widget()) return;
     view->setParent(widget());
     view->show();
@@ -148,7 +148,7 @@ void TableView::selectRow(int row) {
     selectedRow_ = has(row) ? row : -1;
     for (int each = 0; each < static_cast<int>(rows_.size()); ++each)
         rows_[static_cast<std::size_t>(each)]->setSelected(each == selectedRow_);
-    if (selectedRow_ >= 0) setTabStop(selectedRow_);
+    if (selectedRow_ >= 0) setTabStop(selectedRow_, Sight::Leave);
 }
 
 void TableView::choose(int row) {
@@ -171,8 +171,10 @@ void TableView::takeKeyboard(Qt::FocusReason reason) {
     if (has(tabStop_)) rows_[static_cast<std::size_t>(tabStop_)]->setFocus(reason);
 }
 
-void TableView::setTabStop(int row) {
+void TableView::setTabStop(int row, Sight sight) {
     tabStop_ = row;
+    // Not under the pointer of somebody who clicks.
+    if (sight == Sight::Bring && has(row)) ensureWidgetVisible(rows_[static_cast<std::size_t>(row)], 0, 0);
     for (int each = 0; each < static_cast<int>(rows_.size()); ++each)
         rows_[static_cast<std::size_t>(each)]->setFocusPolicy(each == row ? Qt::StrongFocus : Qt::ClickFocus);
 }

@@ -47,8 +47,8 @@ public:
     void selectRow(int row);
 
     [[nodiscard]] const std::vector<RowView*>& rows() const { return rows_; }
-    /// The row that Tab stops at, until the keyboard moves on.
-    void setTabStop(int row);
+    /// The row that Tab stops at, until the keyboard moves on. Scrolls it into sight.
+    void setTabStop(int row) { setTabStop(row, Sight::Bring); }
     /// The keyboard to that row.
     void takeKeyboard(Qt::FocusReason reason);
 
@@ -64,6 +64,8 @@ private:
     void orderTabs();
     void choose(int row);
     void moveTo(int row);
+    enum class Sight { Bring, Leave };
+    void setTabStop(int row, Sight sight);
     [[nodiscard]] int rowWithKeyboard() const;
     [[nodiscard]] bool has(int row) const { return row >= 0 && row < static_cast<int>(rows_.size()); }
 
