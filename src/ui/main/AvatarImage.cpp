@@ -1,12 +1,14 @@
 #include "ui/main/AvatarImage.h"
 
+#include "ui/main/AvatarDrawing.h"
+
 #include <QBuffer>
 #include <QImageReader>
 #include <QPainter>
+#include <QPicture>
 #include <QSvgRenderer>
 #include <algorithm>
 #include <array>
-#include <string_view>
 
 namespace halvane::ui {
 
@@ -14,10 +16,9 @@ namespace {
 
 constexpr int kLongestSide = 4096;
 constexpr qint64 kMostPixels = 16'000'000;
-constexpr std::size_t kLongestDrawing = 64 * 1024;
+/// How far a drawing may reach beyond its edges: what lies outside costs as much time as what is seen.
+constexpr int kReach = 4 * AvatarImage::edge;
 constexpr std::array kFormats{"png", "jpeg", "gif", "bmp", "webp"};
-/// What makes a drawing repeat itself, load or move.
-constexpr std::array<std::string_view, 8> kRefused{"<use", "<image", "<!DOCTYPE", "<!ENTITY", "<style", "<animate", "<filter", "<pattern"};
 
 QImage squareOf(const QImage& image) {
     const int side = std::min(image.width(), image.height());
@@ -26,15 +27,21 @@ QImage squareOf(const QImage& image) {
     return square.scaled(AvatarImage::edge, AvatarImage::edge, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
-bool looksLikeDrawing(std::string_view bytes) { return bytes.substr(0, 512).find("<svg") != std::string_view::npos; }
+/// Records the drawing, which paints nothing and so takes no time, whatever its size.
+bool staysNear(QSvgRenderer& renderer) {
+    QPicture record;
+    QPainter painter(&record);
+    renderer.render(&painter, QRectF(0, 0, AvatarImage::edge, AvatarImage::edge));
+    painter.end();
+    return QRect(0, 0, AvatarImage::edge, AvatarImage::edge).adjusted(-kReach, -kReach, kReach, kReach).contains(record.boundingRect());
+}
 
-QImage drawing(const util::Bytes& bytes) {
-    const bool refused =
-        std::any_of(kRefused.begin(), kRefused.end(), [&bytes](std::string_view part) { return bytes.find(part) != std::string::npos; });
-    if (refused || bytes.size() > kLongestDrawing) return {};
-    QSvgRenderer renderer(QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));
+QImage drawing(const QByteArray& data) {
+    if (!AvatarDrawing::isHarmless(data)) return {};
+    QSvgRenderer renderer(data);
     if (!renderer.isValid()) return {};
     renderer.setAspectRatioMode(Qt::KeepAspectRatioByExpanding);
+    if (!staysNear(renderer)) return {};
     QImage image(AvatarImage::edge, AvatarImage::edge, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
@@ -45,8 +52,8 @@ QImage drawing(const util::Bytes& bytes) {
 }  // namespace
 
 QImage AvatarImage::decoded(const util::Bytes& bytes) {
-    if (looksLikeDrawing(bytes)) return drawing(bytes);
     QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    if (AvatarDrawing::isDrawing(data)) return drawing(data);
     QBuffer buffer(&data);
     QImageReader reader(&buffer);
     if (std::find(kFormats.begin(), kFormats.end(), reader.format().toStdString()) == kFormats.end()) return {};

@@ -2,13 +2,13 @@
 
 #include "platform/Directories.h"
 #include "platform/DispatchQueue.h"
-#include "platform/FileStore.h"
 #include "platform/HttpSession.h"
+#include "ui/main/AvatarCache.h"
 #include "ui/main/AvatarImage.h"
 #include "util/Log.h"
 #include "util/Text.h"
 
-#include <QCryptographicHash>
+#include <algorithm>
 #include <utility>
 
 namespace halvane::ui {
@@ -17,23 +17,23 @@ namespace {
 
 constexpr std::uint64_t kLargest = 4 * 1024 * 1024;  // bytes
 
+/// A name before the host would be sent along as somebody's sign-in.
 bool isFetchable(const std::string& url) {
-    const std::string scheme = util::lowercasedAscii(url.substr(0, url.find("://")));
-    return scheme == "http" || scheme == "https";
+    const std::size_t end = url.find("://");
+    if (end == std::string::npos) return false;
+    const std::string scheme = util::lowercasedAscii(url.substr(0, end));
+    const std::string rest = url.substr(end + 3);
+    return (scheme == "http" || scheme == "https") && rest.substr(0, rest.find_first_of("/?#")).find('@') == std::string::npos;
 }
 
 }  // namespace
 
-AvatarStore::AvatarStore(Collaborators collaborators) : to_(std::move(collaborators)) {}
+AvatarStore::AvatarStore(Collaborators collaborators)
+    : to_(std::move(collaborators)), cache_(std::make_shared<AvatarCache>(to_.files, to_.directories.caches() / "avatars")) {}
 
 AvatarStore::~AvatarStore() {
     alive_.reset();
     if (session_) session_->invalidateCancelingTasks();
-}
-
-std::filesystem::path AvatarStore::fileOf(const std::string& url) const {
-    const auto digest = QCryptographicHash::hash(QByteArray::fromStdString(url), QCryptographicHash::Sha256).toHex();
-    return to_.directories.caches() / "avatars" / digest.toStdString();
 }
 
 void AvatarStore::load(const std::string& url, Arrived arrived) {
@@ -51,9 +51,8 @@ void AvatarStore::load(const std::string& url, Arrived arrived) {
 }
 
 void AvatarStore::readCached(const std::string& url) {
-    to_.worker->async([this, alive = std::weak_ptr(alive_), &files = to_.files, mainQueue = to_.mainQueue, url, file = fileOf(url)] {
-        const auto read = files.read(file);
-        const util::Bytes bytes = read ? *read : util::Bytes();
+    to_.worker->async([this, alive = std::weak_ptr(alive_), cache = cache_, mainQueue = to_.mainQueue, url] {
+        const util::Bytes bytes = cache->read(url);
         mainQueue->async([this, alive, url, bytes, image = AvatarImage::decoded(bytes)] {
             if (!alive.expired()) cacheRead(url, bytes, image);
         });
@@ -61,9 +60,15 @@ void AvatarStore::readCached(const std::string& url) {
 }
 
 void AvatarStore::cacheRead(const std::string& url, const util::Bytes& bytes, const QImage& image) {
-    pictures_[url].cacheRead = true;
-    if (!image.isNull() && !pictures_[url].final) show(url, bytes, image);
-    if (!pictures_[url].asked) pictures_[url].waiting.clear();  // the server failed before the disk answered
+    Picture& picture = pictures_[url];
+    picture.cacheRead = true;
+    // Copies, because whoever is called may load again or destroy the store; so it comes last.
+    const auto waiting = picture.waiting;
+    if (!picture.asked) picture.waiting.clear();  // the server failed before the disk answered
+    if (image.isNull() || picture.final) return;
+    picture.bytes = bytes;
+    picture.image = image;
+    tell(waiting, image);
 }
 
 void AvatarStore::fetch(const std::string& url) {
@@ -90,31 +95,31 @@ void AvatarStore::fetched(const std::string& url, const platform::HttpDataResult
     if (result.error) return giveUp(url, result.error->description);
     if (!result.response || !result.response->isSuccess()) return giveUp(url, "the server refused it");
     if (result.body.size() > kLargest) return giveUp(url, "it is too large");
-    to_.worker->async(
-        [this, alive = std::weak_ptr(alive_), &files = to_.files, mainQueue = to_.mainQueue, url, file = fileOf(url), bytes = result.body] {
-            const QImage image = AvatarImage::decoded(bytes);
-            // Without the file the next start fetches it before it can show it.
-            if (!image.isNull() && files.makeDirectory(file.parent_path())) (void)files.write(file, bytes);
-            mainQueue->async([this, alive, url, bytes, image] {
-                if (!alive.expired()) decoded(url, bytes, image);
-            });
+    to_.worker->async([this, alive = std::weak_ptr(alive_), cache = cache_, mainQueue = to_.mainQueue, url, bytes = result.body] {
+        const QImage image = AvatarImage::decoded(bytes);
+        if (!image.isNull()) cache->keep(url, bytes);
+        mainQueue->async([this, alive, url, bytes, image] {
+            if (!alive.expired()) decoded(url, bytes, image);
         });
+    });
 }
 
 void AvatarStore::decoded(const std::string& url, const util::Bytes& bytes, const QImage& image) {
     if (image.isNull()) return giveUp(url, "it is no picture that can be shown");
     Picture& picture = pictures_[url];
     picture.final = true;
-    if (picture.bytes != bytes) show(url, bytes, image);
-    pictures_[url].waiting.clear();
-}
-
-void AvatarStore::show(const std::string& url, const util::Bytes& bytes, const QImage& image) {
-    Picture& picture = pictures_[url];
+    const auto waiting = std::exchange(picture.waiting, {});
+    if (picture.bytes == bytes) return;
     picture.bytes = bytes;
     picture.image = image;
-    // Copies, because whoever is called may load again.
-    for (const auto waiting = picture.waiting; const Arrived& arrived : waiting) arrived(image);
+    tell(waiting, image);
+}
+
+void AvatarStore::tell(const std::vector<Arrived>& waiting, const QImage& image) {
+    for (const std::weak_ptr alive(alive_); const Arrived& arrived : waiting) {
+        if (alive.expired()) return;
+        arrived(image);
+    }
 }
 
 void AvatarStore::giveUp(const std::string& url, const std::string& why) {

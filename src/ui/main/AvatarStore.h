@@ -3,7 +3,6 @@
 #include "util/Bytes.h"
 
 #include <QImage>
-#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -23,6 +22,8 @@ class Log;
 }
 
 namespace halvane::ui {
+
+class AvatarCache;
 
 /// Pictures of people by address: fetched once in the life of the program, kept on disk for the next. One that
 /// could not be fetched is tried again when it is next asked for.
@@ -47,7 +48,8 @@ public:
     AvatarStore& operator=(const AvatarStore&) = delete;
 
     /// `arrived` is called later, at most twice: with the picture on disk, and with the server's when that is
-    /// another. Not at all when there is neither; then a line of the log says why. `url`: absolute, http or https.
+    /// another. Not at all when there is neither; then a line of the log says why. `url`: absolute, http or https,
+    /// without a user's name. `arrived` may load again, and may destroy the store.
     void load(const std::string& url, Arrived arrived);
 
 private:
@@ -65,11 +67,11 @@ private:
     void fetch(const std::string& url);
     void fetched(const std::string& url, const platform::HttpDataResult& result);
     void decoded(const std::string& url, const util::Bytes& bytes, const QImage& image);
-    void show(const std::string& url, const util::Bytes& bytes, const QImage& image);
+    void tell(const std::vector<Arrived>& waiting, const QImage& image);
     void giveUp(const std::string& url, const std::string& why);
-    [[nodiscard]] std::filesystem::path fileOf(const std::string& url) const;
 
     Collaborators to_;
+    std::shared_ptr<AvatarCache> cache_;  ///< the worker may still use it when the store is gone
     std::map<std::string, Picture> pictures_;
     std::shared_ptr<platform::HttpSession> session_;  ///< made by the first fetch
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);

@@ -11,8 +11,8 @@ namespace halvane::ui {
 AvatarView::AvatarView(QWidget* parent) : PictureView(parent) { setAccessibleName(QStringLiteral("头像")); }
 
 void AvatarView::setAddress(AvatarStore& avatars, const std::optional<std::string>& address) {
+    if (address_ != address.value_or("")) setImage({});  // the same person's picture need not flicker
     address_ = address.value_or("");
-    setImage({});
     if (address_.empty()) return;
     avatars.load(address_, [view = QPointer<QWidget>(this), this, asked = address_](const QImage& image) {
         if (view && asked == address_) setImage(image);
