@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace halvane::platform {
 
@@ -25,6 +26,14 @@ struct FileSystemCounters {
     std::uint64_t availableBlocks = 0;  ///< to users without privileges
 };
 
+/// What one processor did since the system started, in ticks.
+struct ProcessorCounters {
+    std::uint64_t user = 0;
+    std::uint64_t system = 0;  ///< with interrupts, and what a host took away
+    std::uint64_t idle = 0;    ///< with waiting for disks
+    std::uint64_t nice = 0;
+};
+
 /// Usage counters of the running system, read afresh at each call. Any thread.
 class SystemCounters {
 public:
@@ -33,6 +42,10 @@ public:
     [[nodiscard]] virtual std::optional<std::uint64_t> pageSize() const = 0;
     [[nodiscard]] virtual std::optional<MemoryCounters> memory() const = 0;
     [[nodiscard]] virtual std::optional<FileSystemCounters> fileSystem(const std::string& path) const = 0;
+    /// How many processors are at work.
+    [[nodiscard]] virtual std::optional<std::uint32_t> processorCount() const = 0;
+    /// Of each processor at work, in the order of their numbers.
+    [[nodiscard]] virtual std::optional<std::vector<ProcessorCounters>> processors() const = 0;
 };
 
 }  // namespace halvane::platform

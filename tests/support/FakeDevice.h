@@ -13,6 +13,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace halvane::test {
 
@@ -33,10 +34,16 @@ public:
     }
     util::Dictionary propertyList() const override { return systemVersion; }
     std::optional<std::uint64_t> pageSize() const override { return pageBytes; }
-    std::optional<platform::MemoryCounters> memory() const override { return memoryPages; }
+    std::optional<platform::MemoryCounters> memory() const override {
+        ++memoryReadings;
+        return memoryPages;
+    }
     std::optional<platform::FileSystemCounters> fileSystem(const std::string& path) const override {
+        ++diskReadings;
         return path == "/" ? disk : std::nullopt;
     }
+    std::optional<std::uint32_t> processorCount() const override { return processorNumber; }
+    std::optional<std::vector<platform::ProcessorCounters>> processors() const override { return processorTicks; }
     unsigned indexOf(const std::string& name) const override { return name == "en0" ? interfaceIndex : 0; }
     std::optional<std::size_t> addressListLength(unsigned /*index*/) const override { return listLength; }
     util::Result<util::Bytes> linkAddress(unsigned /*index*/, std::size_t /*length*/) const override { return address; }
@@ -47,6 +54,10 @@ public:
     std::optional<std::uint64_t> pageBytes = 4096;
     std::optional<platform::MemoryCounters> memoryPages = platform::MemoryCounters{};
     std::optional<platform::FileSystemCounters> disk = platform::FileSystemCounters{};
+    std::optional<std::uint32_t> processorNumber = 1;
+    std::optional<std::vector<platform::ProcessorCounters>> processorTicks = std::vector<platform::ProcessorCounters>{{}};
+    mutable int diskReadings = 0;
+    mutable int memoryReadings = 0;
     unsigned interfaceIndex = 2;
     std::optional<std::size_t> listLength = 100;
     util::Result<util::Bytes> address = util::Bytes("\xA4\x83\xE7\x01\x0B\x2C", 6);

@@ -1,9 +1,12 @@
 #include "linux/device/LinuxSystemCounters.h"
 
 #include "linux/device/MemoryInfo.h"
+#include "linux/device/ProcessorStatistics.h"
 
 #include <sys/statvfs.h>
 #include <unistd.h>
+
+#include <utility>
 
 namespace halvane::linux {
 
@@ -15,7 +18,8 @@ std::optional<std::uint64_t> LinuxSystemCounters::pageSize() const {
 
 std::optional<platform::MemoryCounters> LinuxSystemCounters::memory() const {
     const auto page = pageSize();
-    const auto info = MemoryInfo::read(files_);
+    const auto text = memory_.text();
+    const auto info = text ? MemoryInfo::parse(*text) : std::nullopt;
     if (!page || !info) return std::nullopt;
     const auto pages = [&](const char* field) { return info->bytes(field) / *page; };
 
@@ -36,6 +40,17 @@ std::optional<platform::FileSystemCounters> LinuxSystemCounters::fileSystem(cons
     struct statvfs status {};
     if (::statvfs(path.c_str(), &status) != 0) return std::nullopt;
     return platform::FileSystemCounters{.blocks = status.f_blocks, .freeBlocks = status.f_bfree, .availableBlocks = status.f_bavail};
+}
+
+std::optional<std::uint32_t> LinuxSystemCounters::processorCount() const {
+    const auto all = processors();
+    return all ? std::optional(static_cast<std::uint32_t>(all->size())) : std::nullopt;
+}
+
+std::optional<std::vector<platform::ProcessorCounters>> LinuxSystemCounters::processors() const {
+    const auto text = statistics_.text();
+    auto all = text ? ProcessorStatistics::parse(*text) : std::vector<platform::ProcessorCounters>();
+    return all.empty() ? std::nullopt : std::optional(std::move(all));
 }
 
 }  // namespace halvane::linux

@@ -8,9 +8,12 @@ namespace halvane::linux {
 
 std::optional<MemoryInfo> MemoryInfo::read(const SystemFiles& files) {
     const auto text = files.text("proc/meminfo");
-    if (!text) return std::nullopt;
+    return text ? parse(*text) : std::nullopt;
+}
+
+std::optional<MemoryInfo> MemoryInfo::parse(std::string_view text) {
     MemoryInfo info;
-    for (const auto& line : util::split(*text, '\n')) {
+    for (const auto& line : util::split(text, '\n')) {
         const auto colon = line.find(':');
         if (colon == std::string::npos) continue;
         std::string amount = util::trimmed(line.substr(colon + 1));
@@ -24,7 +27,7 @@ std::optional<MemoryInfo> MemoryInfo::read(const SystemFiles& files) {
     return info;
 }
 
-std::uint64_t MemoryInfo::bytes(const std::string& field) const {
+std::uint64_t MemoryInfo::bytes(std::string_view field) const {
     const auto found = fields_.find(field);
     return found == fields_.end() ? 0 : found->second;
 }

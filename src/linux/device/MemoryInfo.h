@@ -3,9 +3,11 @@
 #include "linux/device/SystemFiles.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace halvane::linux {
 
@@ -14,12 +16,14 @@ class MemoryInfo {
 public:
     /// Absent when the text cannot be read or names no total.
     static std::optional<MemoryInfo> read(const SystemFiles& files);
+    /// The same of a text that was read already.
+    static std::optional<MemoryInfo> parse(std::string_view text);
 
     /// Bytes of a field such as "Active(file)"; 0 for a field that this kernel does not have.
-    [[nodiscard]] std::uint64_t bytes(const std::string& field) const;
+    [[nodiscard]] std::uint64_t bytes(std::string_view field) const;
 
 private:
-    std::map<std::string, std::uint64_t> fields_;
+    std::map<std::string, std::uint64_t, std::less<>> fields_;
 };
 
 }  // namespace halvane::linux

@@ -25,6 +25,8 @@ public:
     /// Names in a directory, sorted; empty when it cannot be read.
     [[nodiscard]] std::vector<std::string> names(const std::string& directory) const;
     [[nodiscard]] bool exists(const std::string& path) const;
+    /// Where the file stands for the rest of the system.
+    [[nodiscard]] std::filesystem::path whole(const std::string& path) const { return root_ / path; }
 
 private:
     std::filesystem::path root_;

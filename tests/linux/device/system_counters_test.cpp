@@ -53,6 +53,59 @@ TEST(SystemCounters, odd_memory_texts_never_underflow_and_unreadable_ones_are_ab
     EXPECT_FALSE(LinuxSystemCounters(nothing.files()).memory());
 }
 
+std::string told(const std::optional<std::vector<platform::ProcessorCounters>>& processors) {
+    if (!processors) return "absent";
+    std::string text;
+    for (const auto& each : *processors)
+        text += std::to_string(each.user) + "/" + std::to_string(each.system) + "/" + std::to_string(each.idle) + "/" +
+                std::to_string(each.nice) + " ";
+    return text;
+}
+
+TEST(SystemCounters, processors_are_told_line_by_line) {
+    const struct {
+        const char* name;
+        const char* text;
+        const char* expected;
+    } rows[] = {
+        {"interrupts and stolen time are the system's, waiting is idle",
+         "cpu  9 9 9 9 9 9 9 9 9 9\ncpu0 1 2 4 8 16 32 64 128 256 512\nintr 5\n", "1/228/24/2 "},
+        {"two", "cpu  3 0 0 3 0\ncpu0 1 0 0 1 0\ncpu1 2 0 0 2 0\n", "1/0/1/0 2/0/2/0 "},
+        {"a processor is switched off", "cpu  3 0 0 3 0\ncpu0 1 0 0 1 0\ncpu2 2 0 0 2 0\nctxt 7\n", "1/0/1/0 2/0/2/0 "},
+        {"old kernel", "cpu 1 2 3 4\ncpu0 1 2 3 4\nintr 1\n", "1/3/4/2 "},
+        {"cut short", "cpu 1 2 3 4\ncpu0 1 2", "1/0/0/2 "},
+        {"words", "cpu 1\ncpu0 7 two 3 4\n", "7/0/0/0 "},
+        {"no number at all", "cpu 1\ncpu0\ncpux 1 2 3 4\n", "absent"},
+        {"more than fits", "cpu 1\ncpu0 99999999999999999999 2 3 4\n", "0/0/0/0 "},
+        {"all together only", "cpu  9 9 9 9\nintr 1\n", "absent"},
+        {"empty", "", "absent"},
+    };
+    for (const auto& row : rows) {
+        const RecordedMachine machine{{"proc/stat", row.text}};
+        const LinuxSystemCounters counters(machine.files());
+        EXPECT_EQ(told(counters.processors()), row.expected) << row.name;
+        EXPECT_EQ(counters.processorCount().has_value(), counters.processors().has_value()) << row.name;
+    }
+    const RecordedMachine nothing;
+    EXPECT_FALSE(LinuxSystemCounters(nothing.files()).processors());
+}
+
+TEST(SystemCounters, texts_that_stay_open_are_read_anew) {
+    RecordedMachine machine;
+    const LinuxSystemCounters counters(machine.files());
+    EXPECT_FALSE(counters.processors()) << "not there yet";
+    machine.put("proc/stat", "cpu 1 0 0 1\ncpu0 1 0 0 1\n");
+    EXPECT_EQ(told(counters.processors()), "1/0/1/0 ");
+    std::string many = "cpu 0\n";
+    for (int i = 0; i < 1000; ++i) many += "cpu" + std::to_string(i) + " 1 1 1 1\n";
+    machine.put("proc/stat", many);
+    EXPECT_EQ(counters.processorCount(), 1000U) << "longer than before";
+    machine.put("proc/stat", "cpu 2 0 0 2\ncpu0 2 0 0 2\n");
+    EXPECT_EQ(told(counters.processors()), "2/0/2/0 ") << "shorter than before";
+    machine.put("proc/stat", std::string(SystemFiles::kLongestText + 1, ' '));
+    EXPECT_FALSE(counters.processors()) << "without end";
+}
+
 TEST(SystemCounters, this_machine_adds_up) {
     const LinuxSystemCounters counters{SystemFiles()};
     const auto memory = counters.memory();
@@ -60,6 +113,10 @@ TEST(SystemCounters, this_machine_adds_up) {
     const auto total = static_cast<std::uint64_t>(::sysconf(_SC_PHYS_PAGES));
     EXPECT_NEAR(static_cast<double>(memory->free + memory->active + memory->inactive + memory->wired), static_cast<double>(total),
                 static_cast<double>(total) / 100);
+
+    const auto processors = counters.processors();
+    ASSERT_TRUE(processors);
+    EXPECT_EQ(processors->size(), static_cast<std::size_t>(::sysconf(_SC_NPROCESSORS_ONLN)));
 
     struct statfs status {};
     ASSERT_EQ(::statfs("/", &status), 0);
