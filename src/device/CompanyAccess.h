@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/DispatchQueue.h"
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace halvane::device {
+
+class HVDeviceInfoHelper;
+
+/// What a locked computer loses: the company's certificate, and with it the network that it opens.
+///
+/// Main thread. The tools that do it take their time, so they run on `toolQueue`, one after the other and after
+/// whatever was handed in before, such as the installation of that certificate. The objects must outlive what
+/// waits there.
+class CompanyAccess {
+public:
+    struct Collaborators {
+        platform::DispatchQueue& toolQueue;  ///< serial
+        const HVDeviceInfoHelper& device;
+    };
+
+    explicit CompanyAccess(Collaborators collaborators) : to_(collaborators), waiting_(std::make_shared<std::atomic<bool>>(false)) {}
+
+    /// Deletes the certificate of that name, then switches the network off and on, so that it is joined anew
+    /// without it. `certificateName` as the profile has it: every ".pfx" in it falls away, and when nothing is
+    /// left nothing is deleted. A call while an earlier one has not begun adds nothing to it.
+    void revoke(const std::optional<std::string>& certificateName);
+
+private:
+    Collaborators to_;
+    std::shared_ptr<std::atomic<bool>> waiting_;
+};
+
+}  // namespace halvane::device
