@@ -15,7 +15,7 @@ namespace halvane::qt {
 /// order. Destroying drops what waits and silences its timers.
 ///
 /// `after` keeps to the millisecond, because short delays must not overtake one another. `every` may be
-/// late by a twentieth of its interval, so that the system can wake once for several programs.
+/// early or late by a twentieth of its interval, so that the system can wake once for several programs.
 ///
 /// Other threads never call into Qt: they put their block into a queue and wake the loop through a
 /// descriptor, once for as many blocks as come before it is awake.

@@ -149,6 +149,18 @@ TYPED_TEST(MainLoopContract, destroying_drops_what_waits_and_frees_it) {
     EXPECT_EQ(held.use_count(), 1);
 }
 
+TEST(QtMainLoopTest, turns_missed_while_the_computer_slept_are_not_made_up_for) {
+    qt::QtMainLoop loop;
+    int turns = 0;
+    const auto timer = loop.every(20ms, [&turns] { ++turns; });
+    const auto asleep = std::chrono::steady_clock::now();
+    while (std::chrono::steady_clock::now() - asleep < 300ms) std::this_thread::yield();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(turns, 1);
+    ASSERT_TRUE(QTest::qWaitFor([&turns] { return turns >= 3; }, 5000));
+    EXPECT_GE(std::chrono::steady_clock::now() - asleep, 330ms) << "the next ones come at their pace";
+}
+
 TEST(QtMainLoopTest, time_spent_before_the_loop_runs_counts_as_waited) {
     qt::QtMainLoop loop;
     bool ran = false;
