@@ -2,7 +2,10 @@
 
 #include "app/Deployment.h"
 #include "app/HDCLProjectConfig.h"
+#include "device/CompanyAccess.h"
 #include "device/HVDeviceInfoHelper.h"
+#include "device/HVDeviceStatusMonitoring.h"
+#include "device/HVDeviceUsageInfoManager.h"
 #include "linux/AsioDispatchQueues.h"
 #include "linux/NetworkManagerReachability.h"
 #include "linux/PosixFileStore.h"
@@ -86,6 +89,9 @@ struct Services::Parts {
     service::HVRequstHelper requests;
     device::HVDeviceInfoHelper device{{*launcher, registry, control, version, counters, interfaces, log,
                                        [](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }}};
+    device::HVDeviceUsageInfoManager sampler{{*mainLoop, counters, device, log}};
+    device::HVDeviceStatusMonitoring monitoring{{mainLoop, *workQueue, user, requests, device}};
+    device::CompanyAccess companyAccess{{*toolQueue, device}};
     tools::HVMobileConfigTool profiles{{files, directories, *launcher, device, log}};
     login::CertificateFetch certificates{{*toolQueue, files, log, user, requests, device, profiles}};
     std::string serverBaseUrl;
@@ -101,22 +107,29 @@ Services::Services(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {
     util::SharedInstance<HDCLProjectConfig>::set(&parts_->project);
     util::SharedInstance<session::HDCLUserConfig>::set(&parts_->user);
     util::SharedInstance<service::APIClient>::set(&parts_->client);
+    util::SharedInstance<device::HVDeviceUsageInfoManager>::set(&parts_->sampler);
+    util::SharedInstance<device::HVDeviceStatusMonitoring>::set(&parts_->monitoring);
 }
 
 Services::~Services() {
     // From now on nobody would follow a later start's wish: it must find no running client.
     parts_->singleInstance.reset();
-    // A password that was typed a moment ago is still on its way to the store.
-    constexpr std::chrono::seconds kStoring{2};
-    const auto stored = std::make_shared<std::promise<void>>();
-    parts_->credentialQueue->async([stored] { stored->set_value(); });
-    (void)stored->get_future().wait_for(kStoring);
+    // A password that was typed a moment ago is still on its way to the store, a locked computer's certificate
+    // out of it.
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    for (const auto& queue : {parts_->credentialQueue, parts_->toolQueue}) {
+        const auto done = std::make_shared<std::promise<void>>();
+        queue->async([done] { done->set_value(); });
+        (void)done->get_future().wait_until(end);
+    }
     // Blocks and terminations use what stands below them.
     parts_->queues.reset();
     parts_->launcher.reset();
     util::SharedInstance<HDCLProjectConfig>::set(nullptr);
     util::SharedInstance<session::HDCLUserConfig>::set(nullptr);
     util::SharedInstance<service::APIClient>::set(nullptr);
+    util::SharedInstance<device::HVDeviceUsageInfoManager>::set(nullptr);
+    util::SharedInstance<device::HVDeviceStatusMonitoring>::set(nullptr);
 }
 
 platform::Reachability& Services::reachability() { return parts_->reachability; }
@@ -134,6 +147,10 @@ const platform::Directories& Services::directories() { return parts_->directorie
 std::shared_ptr<platform::DispatchQueue> Services::mainQueue() { return parts_->mainLoop; }
 std::shared_ptr<platform::DispatchQueue> Services::workQueue() { return parts_->workQueue; }
 HDCLProjectConfig& Services::project() { return parts_->project; }
+const device::HVDeviceInfoHelper& Services::device() { return parts_->device; }
+device::HVDeviceUsageInfoManager& Services::sampler() { return parts_->sampler; }
+device::HVDeviceStatusMonitoring& Services::monitoring() { return parts_->monitoring; }
+device::CompanyAccess& Services::companyAccess() { return parts_->companyAccess; }
 std::string Services::userAgent() const { return parts_->userAgent; }
 
 std::unique_ptr<tools::UninstallAuthorisation> Services::makeUninstallAuthorisation() {

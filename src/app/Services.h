@@ -9,6 +9,12 @@
 #include <memory>
 #include <string>
 
+namespace halvane::device {
+class CompanyAccess;
+class HVDeviceInfoHelper;
+class HVDeviceStatusMonitoring;
+class HVDeviceUsageInfoManager;
+}  // namespace halvane::device
 namespace halvane::platform {
 class Directories;
 class DispatchQueue;
@@ -48,7 +54,7 @@ public:
     /// Errors are sentences for the person at the terminal, such as that there is no home directory.
     static util::Result<std::unique_ptr<Services>> make(const Settings& settings, std::shared_ptr<platform::MainLoop> mainLoop);
 
-    /// Waits for what is being stored, at most 2 s, and ends every thread.
+    /// Waits for what is being stored or revoked, at most 2 s, and ends every thread.
     ~Services();
     Services(const Services&) = delete;
     Services& operator=(const Services&) = delete;
@@ -69,6 +75,10 @@ public:
     /// Concurrent, for work that would hold up the main thread.
     [[nodiscard]] std::shared_ptr<platform::DispatchQueue> workQueue();
     [[nodiscard]] HDCLProjectConfig& project();
+    [[nodiscard]] const device::HVDeviceInfoHelper& device();
+    [[nodiscard]] device::HVDeviceUsageInfoManager& sampler();
+    [[nodiscard]] device::HVDeviceStatusMonitoring& monitoring();
+    [[nodiscard]] device::CompanyAccess& companyAccess();
     [[nodiscard]] std::string userAgent() const;
 
     /// `browser` outlives the flow.

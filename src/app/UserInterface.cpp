@@ -7,11 +7,14 @@
 #include "tools/UpdateVersionPanel.h"
 #include "ui/main/MainView.h"
 #include "ui/main/SelectAddressWindow.h"
+#include "ui/widgets/NamedImage.h"
+#include "util/SharedInstance.h"
 
 namespace halvane::app {
 
 UserInterface::UserInterface(Services& services)
     : services_(services),
+      statusBar_(ui::NamedImage::pixmap),
       avatars_({.transport = services.transport(),
                 .mainQueue = services.mainQueue(),
                 .worker = services.workQueue(),
@@ -21,7 +24,11 @@ UserInterface::UserInterface(Services& services)
                 .userAgent = services.userAgent()}),
       panels_([this] { return makeVersionPanel(); }, [this] { return makeSystemSetWindow(); }),
       delegate_({services.notifications(), services.updater(), services.user(), [this] { return makeLoginView(); },
-                 [this] { return makeMainWindow(); }}) {}
+                 [this] { return makeMainWindow(); }}) {
+    util::SharedInstance<device::HVStatusBarConfig>::set(&statusBarConfig_);
+}
+
+UserInterface::~UserInterface() { util::SharedInstance<device::HVStatusBarConfig>::set(nullptr); }
 
 std::unique_ptr<login::LoginView> UserInterface::makeLoginView() {
     return std::make_unique<login::LoginView>([this](login::LoginScreen& screen) { return services_.makeLoginFlow(screen, browser_); },
@@ -43,7 +50,12 @@ std::unique_ptr<ui::MainView> UserInterface::makeMainView() {
                  .avatars = avatars_,
                  .panels = panels_,
                  .showLoginWindow = [this] { delegate_.loginW().makeKeyAndOrderFront(); }},
-        .makeUninstallAlert = [this] { return std::make_unique<tools::UnInstallAlertView>(services_.makeUninstallAuthorisation()); }});
+        .device = {services_.sampler(), services_.device(), *services_.workQueue(), services_.mainQueue()},
+        .monitoring = services_.monitoring(),
+        .companyAccess = services_.companyAccess(),
+        .statusBar = statusBarConfig_,
+        .makeUninstallAlert = [this] { return std::make_unique<tools::UnInstallAlertView>(services_.makeUninstallAuthorisation()); },
+        .uninstallAfterLogin = [this] { delegate_.applicationShouldUninstall(); }});
 }
 
 std::unique_ptr<tools::UpdateVersionPanel> UserInterface::makeVersionPanel() {

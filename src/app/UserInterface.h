@@ -1,7 +1,9 @@
 #pragma once
 
 #include "app/AppDelegate.h"
+#include "device/HVStatusBarConfig.h"
 #include "qt/QtBrowser.h"
+#include "qt/QtStatusBar.h"
 #include "ui/main/AvatarStore.h"
 #include "ui/main/SidePanels.h"
 
@@ -14,6 +16,7 @@ class Services;
 class UserInterface {
 public:
     explicit UserInterface(Services& services);
+    ~UserInterface();
     UserInterface(const UserInterface&) = delete;
     UserInterface& operator=(const UserInterface&) = delete;
 
@@ -28,6 +31,8 @@ private:
 
     Services& services_;
     qt::QtBrowser browser_;
+    qt::QtStatusBar statusBar_;
+    device::HVStatusBarConfig statusBarConfig_{statusBar_};
     ui::AvatarStore avatars_;
     ui::SidePanels panels_;
     AppDelegate delegate_;  // last: its windows use what stands above

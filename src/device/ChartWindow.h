@@ -6,13 +6,13 @@ namespace halvane::device {
 class ChartWindow {
 public:
     /// Shows all from 0 to `length`, and never less than `least` of it.
-    ChartWindow(double length, double least) : length_(length), least_(least), right_(length) {}
+    ChartWindow(double length, double least) : length_(length), least_(least), width_(length) {}
 
     [[nodiscard]] double left() const { return left_; }
-    [[nodiscard]] double right() const { return right_; }
-    [[nodiscard]] bool showsAll() const { return left_ <= 0 && right_ >= length_; }
+    [[nodiscard]] double right() const { return left_ + width_; }
+    [[nodiscard]] bool showsAll() const { return width_ >= length_; }
     /// Whether zooming in changes nothing any more.
-    [[nodiscard]] bool isNarrowest() const { return right_ - left_ <= least_; }
+    [[nodiscard]] bool isNarrowest() const { return width_ <= least_; }
 
     void showAll();
     /// Makes it `factor` times as wide as it was; what stands at `position` stays in its place, as far as the ends allow.
@@ -24,7 +24,7 @@ private:
     double length_;
     double least_;
     double left_ = 0;
-    double right_;
+    double width_;
 };
 
 }  // namespace halvane::device

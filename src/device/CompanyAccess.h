@@ -2,7 +2,6 @@
 
 #include "platform/DispatchQueue.h"
 
-#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,16 +22,18 @@ public:
         const HVDeviceInfoHelper& device;
     };
 
-    explicit CompanyAccess(Collaborators collaborators) : to_(collaborators), waiting_(std::make_shared<std::atomic<bool>>(false)) {}
+    explicit CompanyAccess(Collaborators collaborators);
 
     /// Deletes the certificate of that name, then switches the network off and on, so that it is joined anew
     /// without it. `certificateName` as the profile has it: every ".pfx" in it falls away, and when nothing is
-    /// left nothing is deleted. A call while an earlier one has not begun adds nothing to it.
+    /// left nothing is deleted. A call while an earlier one for the same name has not begun adds nothing to it.
     void revoke(const std::optional<std::string>& certificateName);
 
 private:
+    class Waiting;
+
     Collaborators to_;
-    std::shared_ptr<std::atomic<bool>> waiting_;
+    std::shared_ptr<Waiting> waiting_;
 };
 
 }  // namespace halvane::device

@@ -135,7 +135,7 @@ std::optional<std::string> HVDeviceInfoHelper::getStorageSize() const {
 
 util::Dictionary HVDeviceInfoHelper::getDiskInfo() const {
     const auto blocks = collaborators_.counters.fileSystem("/");
-    if (!blocks) return {};
+    if (!blocks || blocks->freeBlocks > blocks->blocks) return {};
     const std::uint64_t used = blocks->blocks - blocks->freeBlocks;
     const std::uint64_t reachable = used + blocks->availableBlocks;
     if (reachable == 0) return {};

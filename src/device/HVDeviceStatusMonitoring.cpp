@@ -34,25 +34,25 @@ void HVDeviceStatusMonitoring::startMonitoring() {
 void HVDeviceStatusMonitoring::stopMonitoring() { timer_.reset(); }
 
 void HVDeviceStatusMonitoring::deviceMonitoring() {
-    const auto name = userName();
-    if (!name) return;
-    to_.factsQueue.async([this, alive = std::weak_ptr(alive_), &device = to_.device, mainLoop = to_.mainLoop, name = *name] {
-        mainLoop->async([this, alive, name, serialNumber = device.getSerialNumber()] {
-            if (!alive.expired() && userName() == name) ask(name, serialNumber);
+    const auto who = session();
+    if (!who) return;
+    to_.factsQueue.async([this, alive = std::weak_ptr(alive_), &device = to_.device, mainLoop = to_.mainLoop, who = *who] {
+        mainLoop->async([this, alive, who, serialNumber = device.getSerialNumber()] {
+            if (!alive.expired() && session() == who) ask(who, serialNumber);
         });
     });
 }
 
-void HVDeviceStatusMonitoring::ask(const std::string& userName, const std::optional<std::string>& serialNumber) {
-    const auto onReply = [this, alive = std::weak_ptr(alive_), userName](const util::Value& response) {
-        if (!alive.expired()) answered(userName, response);
+void HVDeviceStatusMonitoring::ask(const Session& who, const std::optional<std::string>& serialNumber) {
+    const auto onReply = [this, alive = std::weak_ptr(alive_), who](const util::Value& response) {
+        if (!alive.expired()) answered(who, response);
     };
-    to_.requests.reportLockOrReportTheLossWithParams({{"username", userName.substr(0, userName.find('@'))}, {"sn", serialNumber}}, onReply,
-                                                     nullptr);
+    const std::string name = who.userName.substr(0, who.userName.find('@'));
+    to_.requests.reportLockOrReportTheLossWithParams({{"username", name}, {"sn", serialNumber}}, onReply, nullptr);
 }
 
-void HVDeviceStatusMonitoring::answered(const std::string& userName, const util::Value& response) {
-    if (this->userName() != userName) return;
+void HVDeviceStatusMonitoring::answered(const Session& who, const util::Value& response) {
+    if (session() != who) return;
     if (util::integerOf(util::member(&response, "code")) != kOk) return;
     const util::Value* data = util::member(&response, "data");
     const util::Dictionary* status = data == nullptr ? nullptr : data->dictionary();
@@ -61,9 +61,10 @@ void HVDeviceStatusMonitoring::answered(const std::string& userName, const util:
     if (callback) callback(isYes(status->find("lock_status")), isYes(status->find("lose_status")));
 }
 
-std::optional<std::string> HVDeviceStatusMonitoring::userName() const {
+std::optional<HVDeviceStatusMonitoring::Session> HVDeviceStatusMonitoring::session() const {
     if (!to_.user.user_isLogin()) return std::nullopt;
-    return to_.user.user_getUserInfo()->user_name.value_or("");
+    const auto* user = to_.user.user_getUserInfo();
+    return Session{user->user_name.value_or(""), user->token.value_or("")};
 }
 
 }  // namespace halvane::device

@@ -23,7 +23,7 @@ class HVDeviceInfoHelper;
 
 /// Asks the company server every 30 seconds whether this computer was marked as locked or lost. The first
 /// question goes out 30 seconds after the start. While nobody is signed in nothing is asked; a reply that
-/// arrives when somebody else or nobody is signed in is dropped, as is everything that is no answer.
+/// arrives after that person's session ended is dropped, as is everything that is no answer.
 ///
 /// Main thread, where the callback comes too: at every answer, also when both flags are false. It may replace
 /// itself. Questions do not wait for each other's answers. The serial number may come from a system service
@@ -59,10 +59,17 @@ public:
     void setMonitoringBlock(Monitoring callback) { monitoringBlock_ = std::move(callback); }
 
 private:
-    void ask(const std::string& userName, const std::optional<std::string>& serialNumber);
-    void answered(const std::string& userName, const util::Value& response);
+    /// Who is signed in, since one login.
+    struct Session {
+        std::string userName;
+        std::string token;
+        friend bool operator==(const Session&, const Session&) = default;
+    };
+
+    void ask(const Session& who, const std::optional<std::string>& serialNumber);
+    void answered(const Session& who, const util::Value& response);
     /// Absent while nobody is signed in.
-    [[nodiscard]] std::optional<std::string> userName() const;
+    [[nodiscard]] std::optional<Session> session() const;
 
     Collaborators to_;
     Monitoring monitoringBlock_;

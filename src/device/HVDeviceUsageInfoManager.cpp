@@ -8,7 +8,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdlib>
+#include <charconv>
 #include <utility>
 
 namespace halvane::device {
@@ -24,10 +24,6 @@ std::int32_t wrapped(std::uint64_t ticks) { return static_cast<std::int32_t>(sta
 
 std::int32_t difference(std::int32_t now, std::int32_t before) {
     return wrapped(std::uint64_t{static_cast<std::uint32_t>(now)} - static_cast<std::uint32_t>(before));
-}
-
-std::int32_t sum(std::int32_t left, std::int32_t right) {
-    return wrapped(std::uint64_t{static_cast<std::uint32_t>(left)} + static_cast<std::uint32_t>(right));
 }
 
 }  // namespace
@@ -53,7 +49,9 @@ void HVDeviceUsageInfoManager::updateInfo() {
     const auto callback = cpuUsagePercentage_;  // it may register another one
     if (!callback) return;
     const std::string text = util::replaced(model().cpuUsagePercentage().value_or(""), "%", "");
-    callback(std::strtof(text.c_str(), nullptr));
+    float figure = 0;
+    (void)std::from_chars(text.data(), text.data() + text.size(), figure);  // whatever sign the desktop's language has for a point
+    callback(figure);
 }
 
 void HVDeviceUsageInfoManager::cupUsageInfo() {
@@ -89,11 +87,13 @@ float HVDeviceUsageInfoManager::sumOfRatios() const {
     const std::size_t processors = std::min<std::size_t>(numCPUs_, cpuInfo_.size() / kCounters);
     float total = 0;
     for (std::size_t processor = 0; processor < processors; ++processor) {
-        const auto ticks = [&](Counter counter) {
+        const auto ticks = [&](Counter counter) -> std::int64_t {
             const std::size_t at = processor * kCounters + counter;
-            return comparable ? difference(cpuInfo_[at], prevCpuInfo_[at]) : cpuInfo_[at];
+            if (!comparable) return static_cast<std::uint32_t>(cpuInfo_[at]);
+            // The kernel takes back waiting time that it counted too early.
+            return std::max(difference(cpuInfo_[at], prevCpuInfo_[at]), 0);
         };
-        const auto inUse = static_cast<float>(sum(sum(ticks(User), ticks(System)), ticks(Nice)));
+        const auto inUse = static_cast<float>(ticks(User) + ticks(System) + ticks(Nice));
         const float whole = inUse + static_cast<float>(ticks(Idle));
         if (whole != 0) total += inUse / whole;
     }

@@ -53,6 +53,11 @@ TEST_F(CompanyAccessTest, calls_that_wait_behind_a_busy_tool_do_not_pile_up) {
     queue.runPending();
     EXPECT_EQ(device.launcher.starts, revoking("c"));
     EXPECT_EQ(revoked("c.pfx"), revoking("c")) << "the next call acts again";
+    access.revoke("c.pfx");
+    access.revoke("d.pfx");
+    device.launcher.starts.clear();
+    queue.runPending();
+    EXPECT_EQ(device.launcher.starts.size(), 6u) << "another certificate is another matter";
 }
 
 }  // namespace

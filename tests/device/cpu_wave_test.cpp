@@ -120,6 +120,12 @@ TEST(ChartWindow, keeps_the_place_that_is_zoomed_at_and_stays_within_the_ends) {
     window.zoom(100, 0.001);
     EXPECT_EQ(window.left(), 92);
     EXPECT_TRUE(window.isNarrowest());
+    for (int place = 0; place < 92; ++place) {
+        window.showAll();
+        window.move(place);
+        window.zoom(place + 0.3, 0.01);
+        EXPECT_TRUE(window.isNarrowest()) << place << ": whatever the sums round to";
+    }
     window.zoom(92, 1000);
     EXPECT_TRUE(window.showsAll());
     EXPECT_EQ(window.move(5), 0) << "there is nowhere to go";

@@ -65,6 +65,8 @@ TEST_F(DeviceInfoTest, without_counters_the_dictionaries_are_empty) {
     EXPECT_TRUE(on.helper.getMemoryInfo().empty());
     on.disk = platform::FileSystemCounters{.blocks = 10, .freeBlocks = 10};
     EXPECT_TRUE(on.helper.getDiskInfo().empty());
+    on.disk = platform::FileSystemCounters{.blocks = 10, .freeBlocks = 11, .availableBlocks = 11};
+    EXPECT_TRUE(on.helper.getDiskInfo().empty()) << "more free than there is";
     on.disk.reset();
     EXPECT_TRUE(on.helper.getDiskInfo().empty());
     const HVDeviceInfoModel model(on.helper);

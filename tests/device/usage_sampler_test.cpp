@@ -46,7 +46,8 @@ TEST_F(UsageSamplerTest, figure_is_the_mean_of_the_processors_own_ratios) {
         {"user, system and nice are use", {{1, 1, 1, 1}}, {{2, 3, 5, 4}}, "60.00"},
         {"a processor that stood still", {{5, 5, 5, 5}, {}}, {{5, 5, 5, 5}, {100, 0, 0, 0}}, "50.00"},
         {"all stood still", {{5, 5, 5, 5}}, {{5, 5, 5, 5}}, "0.00"},
-        {"idle went back as much as was used", {{0, 0, 100, 0}}, {{10, 0, 90, 0}}, "0.00"},
+        {"waiting time was taken back", {{0, 0, 100, 0}}, {{10, 0, 90, 0}}, "100.00"},
+        {"all went back", {{9, 9, 9, 9}}, {{1, 1, 1, 1}}, "0.00"},
         {"busy throughout", {{7, 0, 50, 0}}, {{107, 0, 50, 0}}, "100.00"},
         {"counters pass what 31 bits hold", {{kWrap / 2 - 10, 0, 0, 0}}, {{kWrap / 2 + 20, 0, 70, 0}}, "30.00"},
         {"counters pass what 32 bits hold", {{0, 0, kWrap - 10, 0}}, {{10, 0, kWrap + 20, 0}}, "25.00"},
@@ -68,6 +69,11 @@ TEST_F(UsageSamplerTest, first_figure_tells_of_the_time_since_the_system_started
     sampler.startCollectInfo();
     EXPECT_EQ(sampled(), "40.00");
     EXPECT_EQ(sampled(), "0.00") << "nothing happened since";
+    HVDeviceUsageInfoManager later({loop, on, on.helper, log});
+    computer({{.user = 1'000'000'000, .system = 0, .idle = 3'000'000'000, .nice = 0}});
+    later.startCollectInfo();
+    later.cupUsageInfo();
+    EXPECT_EQ(later.model().cpuUsagePercentage(), "25.00") << "up for a year";
 }
 
 TEST_F(UsageSamplerTest, turns_come_a_second_apart_and_starting_twice_adds_none) {

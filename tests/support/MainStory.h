@@ -1,9 +1,14 @@
 #pragma once
 
+#include "device/CompanyAccess.h"
+#include "device/HVDeviceStatusMonitoring.h"
+#include "device/HVDeviceUsageInfoManager.h"
+#include "device/HVStatusBarConfig.h"
 #include "platform/DispatchQueue.h"
 #include "session/WorkAddressInfoHelper.h"
 #include "support/FakeDevice.h"
 #include "support/RecordingLog.h"
+#include "support/RecordingStatusBar.h"
 #include "support/RecordingUpdater.h"
 #include "support/ScriptedClient.h"
 #include "tools/UnInstallAlertView.h"
@@ -51,11 +56,17 @@ struct MainStory {
                      .avatars = avatars,
                      .panels = panels,
                      .showLoginWindow = [this] { events.push_back("login window"); }},
-            .makeUninstallAlert = [this] {
-                return std::make_unique<tools::UnInstallAlertView>(
-                    std::make_unique<tools::UninstallAuthorisation>(tools::UninstallAuthorisation::Collaborators{
-                        *company.mainLoop, company.mainLoop, company.user, company.requests, device.helper}));
-            }});
+            .device = {sampler, device.helper, *company.mainLoop, company.mainLoop},
+            .monitoring = monitoring,
+            .companyAccess = companyAccess,
+            .statusBar = statusBarConfig,
+            .makeUninstallAlert =
+                [this] {
+                    return std::make_unique<tools::UnInstallAlertView>(
+                        std::make_unique<tools::UninstallAuthorisation>(tools::UninstallAuthorisation::Collaborators{
+                            *company.mainLoop, company.mainLoop, company.user, company.requests, device.helper}));
+                },
+            .uninstallAfterLogin = [this] { events.push_back("uninstall after login"); }});
     }
     [[nodiscard]] std::unique_ptr<ui::MainWindow> makeMainWindow() {
         return std::make_unique<ui::MainWindow>([this] { return makeMainView(); });
@@ -81,6 +92,11 @@ struct MainStory {
     RecordingLog log;
     util::NotificationCenter notifications;
     RecordingUpdater updater{events};
+    RecordingStatusBar statusBar;
+    device::HVStatusBarConfig statusBarConfig{statusBar};
+    device::HVDeviceUsageInfoManager sampler{{*company.mainLoop, device, device.helper, log}};
+    device::HVDeviceStatusMonitoring monitoring{{company.mainLoop, *company.mainLoop, company.user, company.requests, device.helper}};
+    device::CompanyAccess companyAccess{{*company.mainLoop, device.helper}};
     session::WorkAddressInfoHelper workplaces{company.preferences};
     ui::AvatarStore avatars{{.transport = company.transport,
                              .mainQueue = company.mainLoop,

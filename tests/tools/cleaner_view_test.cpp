@@ -2,7 +2,7 @@
 #include "tools/CleanRubbishIntroView.h"
 #include "tools/CleanRubbishView.h"
 
-#include "tools/ViewTest.h"
+#include "support/ViewTest.h"
 
 namespace halvane::test {
 namespace {

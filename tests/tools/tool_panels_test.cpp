@@ -4,7 +4,7 @@
 #include "tools/SoftListCell.h"
 #include "tools/SoftUnInstallView.h"
 
-#include "tools/ViewTest.h"
+#include "support/ViewTest.h"
 
 #include <QLineEdit>
 #include <QPointer>

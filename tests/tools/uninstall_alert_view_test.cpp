@@ -3,7 +3,7 @@
 #include "support/FakeDevice.h"
 #include "support/ScriptedClient.h"
 #include "tools/UninstallAuthorisation.h"
-#include "tools/ViewTest.h"
+#include "support/ViewTest.h"
 #include "ui/widgets/FilledButton.h"
 
 #include <QAccessible>

@@ -2,7 +2,7 @@
 
 #include "support/RecordingLog.h"
 #include "support/RecordingUpdater.h"
-#include "tools/ViewTest.h"
+#include "support/ViewTest.h"
 #include "ui/widgets/FilledButton.h"
 
 #include <memory>

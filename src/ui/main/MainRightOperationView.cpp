@@ -1,6 +1,5 @@
 #include "ui/main/MainRightOperationView.h"
 
-#include "device/DeviceInfoView.h"
 #include "tools/NetWorkView.h"
 #include "tools/SecurityCheckView.h"
 #include "ui/main/AIServicesView.h"
@@ -15,10 +14,11 @@ constexpr int kMargin = 12;  // above, right of and below the card
 
 }  // namespace
 
-MainRightOperationView::MainRightOperationView(util::Log& log, QWidget* parent) : QWidget(parent), pageBox(new PageBox(this)) {
+MainRightOperationView::MainRightOperationView(const device::DeviceInfoView::Collaborators& device, util::Log& log, QWidget* parent)
+    : QWidget(parent), pageBox(new PageBox(this)) {
     setObjectName(QStringLiteral("rightOperationView"));
     pageBox->setObjectName(QStringLiteral("pageBox"));
-    viewControllers_ = {new tools::SecurityCheckView, new device::DeviceInfoView, new tools::NetWorkView, new AIServicesView,
+    viewControllers_ = {new tools::SecurityCheckView, new device::DeviceInfoView(device), new tools::NetWorkView, new AIServicesView,
                         new MoreFunctionView(log)};
     for (PageView* page : viewControllers_) pageBox->add(page);
     showPage(0);

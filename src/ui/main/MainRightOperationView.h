@@ -1,5 +1,7 @@
 #pragma once
 
+#include "device/DeviceInfoView.h"
+
 #include <QWidget>
 #include <vector>
 
@@ -13,10 +15,10 @@ class PageBox;
 class PageView;
 
 /// Right of the left menu: one page for each of its entries, made once and kept, one of them shown. Main
-/// thread; `log` outlives it.
+/// thread; what it is given outlives it.
 class MainRightOperationView final : public QWidget {
 public:
-    MainRightOperationView(util::Log& log, QWidget* parent);
+    MainRightOperationView(const device::DeviceInfoView::Collaborators& device, util::Log& log, QWidget* parent);
 
     /// In the order of the menu.
     [[nodiscard]] const std::vector<PageView*>& viewControllers() const { return viewControllers_; }

@@ -1,5 +1,8 @@
 #include "ui/main/MainView.h"
 
+#include "device/CompanyAccess.h"
+#include "device/HVDeviceStatusMonitoring.h"
+#include "device/HVStatusBarConfig.h"
 #include "service/HVRequstHelper.h"
 #include "session/HDCLUserConfig.h"
 #include "session/WorkAddressInfoHelper.h"
@@ -11,6 +14,8 @@
 #include "util/Value.h"
 
 #include <fmt/format.h>
+
+#include <QPointer>
 #include <utility>
 
 namespace halvane::ui {
@@ -33,13 +38,14 @@ MainView::MainView(Collaborators collaborators) : collaborators_(std::move(colla
         rightOperationView_->showPage(index);
     };
     requestWorkAddress();
+    startDeviceStatusMonitoring();
 }
 
 MainView::~MainView() = default;
 
 void MainView::setUpUI() {
     leftMenuView_ = new MainLeftMenuView(collaborators_.menu, this);
-    rightOperationView_ = new MainRightOperationView(collaborators_.log, this);
+    rightOperationView_ = new MainRightOperationView(collaborators_.device, collaborators_.log, this);
     resize(C::mainContentSize);
     configUserInfo();
 }
@@ -58,8 +64,37 @@ void MainView::requestWorkAddress() {
     collaborators_.requests.getContactListUrlWithCurrentPage("0", "1", save, {});
 }
 
-// The arrow keys work from the start.
-void MainView::viewDidMoveToWindow() { leftMenuView_->takeKeyboard(); }
+void MainView::startDeviceStatusMonitoring() {
+    collaborators_.monitoring.startMonitoring();
+    collaborators_.monitoring.setMonitoringBlock([self = QPointer(this)](bool locked, bool lost) {
+        if (self) self->react(locked, lost);
+    });
+}
+
+void MainView::react(bool locked, bool lost) {
+    // The logout forgets whose certificate it is.
+    const auto* model = collaborators_.menu.user.user_getUserInfo();
+    const auto certificateName = model ? model->ad_cert_name : std::nullopt;
+    if (lost) leftMenuView_->logout();
+    if (locked) collaborators_.companyAccess.revoke(certificateName);
+}
+
+void MainView::viewDidMoveToWindow() {
+    leftMenuView_->takeKeyboard();  // the arrow keys work from the start
+    collaborators_.statusBar.addStatusMenu();
+    collaborators_.statusBar.setUninstallMenuBlock([self = QPointer(this)] {
+        if (self) self->uninstallMenuItemChosen();
+    });
+}
+
+void MainView::uninstallMenuItemChosen() {
+    // The icon outlives the session; the window of who left must not come back with it.
+    if (collaborators_.menu.user.user_isLogin()) {
+        showUninstallAlert();
+    } else {
+        collaborators_.uninstallAfterLogin();
+    }
+}
 
 void MainView::showUninstallAlert() {
     auto* window = dynamic_cast<HDCLBaseWindow*>(this->window());

@@ -1,11 +1,17 @@
 #pragma once
 
+#include "device/DeviceInfoView.h"
 #include "ui/main/MainLeftMenuView.h"
 #include "ui/widgets/ContentView.h"
 
 #include <functional>
 #include <memory>
 
+namespace halvane::device {
+class CompanyAccess;
+class HVDeviceStatusMonitoring;
+class HVStatusBarConfig;
+}  // namespace halvane::device
 namespace halvane::service {
 class HVRequstHelper;
 }
@@ -24,7 +30,8 @@ namespace halvane::ui {
 class MainRightOperationView;
 
 /// Content of the main window: the menu on the left, the pages on the right. Made anew at every login, for
-/// the user that is signed in then. Main thread.
+/// the user that is signed in then, and from then on the one that reacts to the watch over this computer and to
+/// the icon in the status bar. Main thread.
 class MainView final : public ContentView {
 public:
     /// All outlive the view.
@@ -33,10 +40,15 @@ public:
         service::HVRequstHelper& requests;
         util::Log& log;
         MainLeftMenuView::Collaborators menu;
+        device::DeviceInfoView::Collaborators device;
+        device::HVDeviceStatusMonitoring& monitoring;
+        device::CompanyAccess& companyAccess;
+        device::HVStatusBarConfig& statusBar;
         std::function<std::unique_ptr<tools::UnInstallAlertView>()> makeUninstallAlert;
+        std::function<void()> uninstallAfterLogin;  ///< the wish of somebody who is not signed in
     };
 
-    /// Asks the server for the workplaces.
+    /// Asks the server for the workplaces and begins to watch whether this computer is locked or lost.
     explicit MainView(Collaborators collaborators);
     ~MainView() override;
 
@@ -54,6 +66,9 @@ private:
     void setUpUI();
     void configUserInfo();
     void requestWorkAddress();
+    void startDeviceStatusMonitoring();
+    void react(bool locked, bool lost);
+    void uninstallMenuItemChosen();
 
     Collaborators collaborators_;
     MainLeftMenuView* leftMenuView_;

@@ -4,6 +4,7 @@
 #include "ui/widgets/OverlayView.h"
 #include "ui/widgets/PictureView.h"
 #include "ui/widgets/RowView.h"
+#include "ui/widgets/SelfDescribing.h"
 #include "ui/widgets/TableView.h"
 
 namespace halvane::ui {
@@ -19,11 +20,26 @@ public:
     }
 };
 
+class AccessibleSelfDescribing final : public QAccessibleWidget {
+public:
+    AccessibleSelfDescribing(QWidget* widget, const SelfDescribing& self) : QAccessibleWidget(widget, self.accessibleRole()), self_(self) {}
+    [[nodiscard]] QString text(QAccessible::Text which) const override {
+        return which == QAccessible::Description ? self_.accessibleText() : QAccessibleWidget::text(which);
+    }
+    // The words say it all: its parts are drawing.
+    [[nodiscard]] int childCount() const override { return 0; }
+    [[nodiscard]] QAccessibleInterface* child(int /*index*/) const override { return nullptr; }
+
+private:
+    const SelfDescribing& self_;
+};
+
 QAccessibleInterface* interfaceOf(const QString& /*className*/, QObject* object) {
     if (auto* row = dynamic_cast<RowView*>(object)) return new AccessibleRow(*row);
     if (auto* table = dynamic_cast<TableView*>(object)) return new QAccessibleWidget(table, QAccessible::List);
     if (auto* overlay = dynamic_cast<OverlayView*>(object)) return new QAccessibleWidget(overlay, QAccessible::Dialog);
     if (auto* picture = dynamic_cast<PictureView*>(object)) return new AccessiblePicture(picture);
+    if (auto* self = dynamic_cast<SelfDescribing*>(object)) return new AccessibleSelfDescribing(qobject_cast<QWidget*>(object), *self);
     return nullptr;
 }
 

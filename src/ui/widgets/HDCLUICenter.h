@@ -41,6 +41,10 @@ public:
     static constexpr QColor colorDisabledGround{0xEC, 0xEE, 0xF1};
     static constexpr QColor colorDisabledText{0x8A, 0x91, 0x9B};
 
+    static constexpr QColor colorRing{0xDC, 0x5A, 0x0C};     ///< the used part; the free one is `colorLine`
+    static constexpr QColor colorCpuLine{0xD5, 0x29, 0x1B};  ///< over a grid in `colorLine`
+    static constexpr QColor colorAxisText{0x64, 0x6B, 0x76};
+
     static constexpr QColor colorArcs{0xF6, 0xF7, 0xF9};         ///< the arcs behind pages that let them through
     static constexpr QColor colorScrim{0x14, 0x18, 0x1E, 0x85};  ///< over what cannot be used now
     static constexpr QColor colorShadow{0, 0, 0, 0x33};
@@ -58,7 +62,7 @@ public:
     static constexpr qreal disabledOpacity = 0.45;  ///< of images
 
     /// Sizes of type in pixels.
-    enum class Type { Heading = 24, Title = 20, RowTitle = 17, Item = 16, Body = 15, Caption = 13, Dots = 10 };
+    enum class Type { Heading = 24, Title = 20, Figure = 18, RowTitle = 17, Item = 16, Body = 15, Caption = 13, Axis = 12, Dots = 10 };
     [[nodiscard]] static QFont font(Type type, QFont::Weight weight = QFont::Normal);
 
     /// Where a page's content stands from left to right: 40 from both edges, at most 920 wide, then centred.
