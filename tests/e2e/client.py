@@ -67,7 +67,7 @@ class Client:
         self._company = company
         self.program = Path(build, "bin/halvane")
         self.tools = Path(build, "libexec/halvane")
-        self._env = {**desktop.env, "HALVANE_TOOL_ROOT": str(self.tools)}
+        self.environment = {**desktop.env, "HALVANE_TOOL_ROOT": str(self.tools)}
         self.process = None
         self.started_at = 0.0
 
@@ -76,7 +76,7 @@ class Client:
         self.process = self.start_another()
 
     def start_another(self, *arguments):
-        return self._processes.start("client", [self.program, "--server", self._company.url, *arguments], self._env)
+        return self._processes.start("client", [self.program, "--server", self._company.url, *arguments], self.environment)
 
     def age(self):
         return time.monotonic() - self.started_at
@@ -101,7 +101,7 @@ class Client:
         return self._processes.log_text("client")
 
     def security(self, *arguments):
-        return output_of(self.tools / "usr/bin/security", *arguments, env=self._env).decode(errors="replace")
+        return output_of(self.tools / "usr/bin/security", *arguments, env=self.environment).decode(errors="replace")
 
     def preferences(self):
         files = list((self._desktop.config / "halvane").glob("*.plist"))

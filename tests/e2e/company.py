@@ -74,5 +74,10 @@ class Company:
         expect(code, f"the mail has a code: {mail}")
         return code[1]
 
+    def mark(self, verb):
+        """lock, unlock, lost or found: the computer that signed in."""
+        (serial,), = self.ask("SELECT sn FROM computers")
+        output_of(self._program, "computer", verb, serial, "--data", self._data, env=self._env)
+
     def sessions(self):
         return self.ask("SELECT count(*) FROM sessions WHERE user_id = ?", self.user_id())[0][0]

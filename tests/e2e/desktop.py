@@ -7,6 +7,7 @@ from pathlib import Path
 
 from processes import Failed, expect, output_of, wait_for
 
+HERE = Path(__file__).resolve().parent
 BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig><type>session</type><listen>unix:path={socket}</listen><auth>EXTERNAL</auth>
@@ -53,6 +54,8 @@ class Picture:
 class Desktop:
     """`scale`: device pixels to a pixel of the client's; places and sizes are the client's."""
 
+    SERIAL = "HV0417A92K"
+
     def __init__(self, processes, folder, scale=1):
         self._processes = processes
         self.scale = scale
@@ -66,7 +69,7 @@ class Desktop:
             "XDG_RUNTIME_DIR": str(self.runtime), "XDG_CONFIG_HOME": str(self.config), "XDG_DATA_HOME": str(self.data),
             "XDG_CACHE_HOME": str(self.cache), "XDG_CURRENT_DESKTOP": "journey",
             # Nothing of the journey shall go to the machine's own bus or network services.
-            "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={self.runtime}/no-system-bus",
+            "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={self.runtime}/system-bus",
         }
         if scale != 1:
             self.env["QT_SCALE_FACTOR"] = str(scale)
@@ -74,7 +77,10 @@ class Desktop:
 
     def start(self):
         self._start_display()
-        self._start_bus()
+        self._start_bus("system-bus")
+        self._start_hostnamed()
+        self._start_bus("bus")
+        self.env["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={self.runtime}/bus"
         self._start_secret_service()
 
     def _start_display(self):
@@ -89,13 +95,17 @@ class Desktop:
         self._processes.start("openbox", ["openbox", "--sm-disable"], self.env)
         wait_for("a window manager", lambda: b"not found" not in self._root("_NET_SUPPORTING_WM_CHECK"))
 
-    def _start_bus(self):
-        socket = self.runtime / "bus"
-        configuration = self.runtime / "bus.conf"
+    def _start_bus(self, name):
+        socket = self.runtime / name
+        configuration = self.runtime / f"{name}.conf"
         configuration.write_text(BUS_CONFIGURATION.format(socket=socket), encoding="utf-8")
-        self._processes.start("bus", ["dbus-daemon", f"--config-file={configuration}", "--nofork"], self.env)
-        wait_for("a session bus", socket.exists)
-        self.env["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={socket}"
+        self._processes.start(name, ["dbus-daemon", f"--config-file={configuration}", "--nofork"], self.env)
+        wait_for(f"the {name}", socket.exists)
+
+    def _start_hostnamed(self):
+        """Virtual machines have no serial number, and without one no computer can be marked."""
+        self._processes.start("hostnamed", ["/usr/bin/python3", "-B", HERE / "hostnamed.py", self.SERIAL], self.env)
+        wait_for("a hostnamed", lambda: "ready" in self._processes.log_text("hostnamed"))
 
     def _start_secret_service(self):
         keyring = self._processes.start("keyring", ["gnome-keyring-daemon", "--foreground", "--unlock", "--components=secrets"], self.env,

@@ -19,12 +19,14 @@ from company import Company
 from desktop import Desktop
 from main_window_steps import MainWindowSteps
 from processes import ChildWatch, Failed, Processes, descendants, end_after, expect, output_of, stays, wait_for
+from tool_root import ToolRoot
+from watch_steps import WatchSteps
 
-LONGEST = 180
+LONGEST = 260
 
 
 class Journey:
-    def __init__(self, processes, desktop, company, client, options):
+    def __init__(self, processes, desktop, company, client, tools, options):
         self._processes = processes
         self._desktop = desktop
         self._company = company
@@ -33,12 +35,13 @@ class Journey:
         self._taken = 0
         self._watched = set()
         self._main_window = MainWindowSteps(desktop, company, client, self._photograph)
+        self._watch = WatchSteps(desktop, company, client, tools, self._photograph)
 
     def steps(self):
         return [self.first_start, self.wrong_password, self.second_tries_send_nothing, self.quits_on_request, self.fields_are_prefilled,
                 self.right_password, self.certificate_is_in_the_store, self.profile_is_written, self.session_is_kept,
-                *self._main_window.steps(), self.nothing_secret_leaks, self.next_start_asks_nobody, self.closing_puts_it_behind,
-                self.second_start_raises_the_first, self.leaves_by_keyboard, self.leaves_by_the_desktop_entry]
+                *self._main_window.steps(), *self._watch.page(), self.nothing_secret_leaks, self.next_start_asks_nobody, self.closing_puts_it_behind,
+                self.second_start_raises_the_first, *self._watch.steps(), self.leaves_by_keyboard, self.leaves_by_the_desktop_entry]
 
     def _photograph(self, name, window=None):
         self._taken += 1
@@ -270,7 +273,10 @@ def main():
             desktop.start()
             company = Company(processes, build / "bin/halvane-server", folder, desktop.env)
             company.start()
-            good = take(Journey(processes, desktop, company, Client(processes, desktop, company, build), options))
+            client = Client(processes, desktop, company, build)
+            tools = ToolRoot(folder, client.tools)
+            client.environment["HALVANE_TOOL_ROOT"] = str(tools.path)
+            good = take(Journey(processes, desktop, company, client, tools, options))
         except (Failed, OSError) as problem:
             print(f"✗ {problem}")
         finally:

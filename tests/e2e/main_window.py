@@ -17,6 +17,7 @@ class MainWindow:
     UPDATE, ABOUT, SETTINGS = (120, 212), (120, 252), (120, 292)
     CODE_FIELD, REQUEST_CODE, UNINSTALL = (440, 309), (600, 309), (612, 401)
     INK, SOFT, OK, ERR = (0xB8, 0x43, 0x08), (0xFF, 0xF1, 0xE6), (0x1B, 0x7F, 0x4D), (0xC9, 0x28, 0x1E)
+    RING = (0xDC, 0x5A, 0x0C)
 
     def __init__(self, desktop, client):
         self._desktop = desktop
@@ -59,6 +60,18 @@ class MainWindow:
         if self._count(338, 334, 300, 30, self.OK) > 10:
             return "good"
         return "bad" if self._count(338, 334, 300, 30, self.ERR) > 10 else ""
+
+    def cpu_line(self):
+        """How much of the chart's red there is where the line runs."""
+        scale = self._desktop.scale
+        return self.look().count(280 * scale, 480 * scale, 620 * scale, 110 * scale, lambda r, g, b: r > 180 and g < 120 and b < 120)
+
+    def cpu_line_picture(self):
+        picture, scale = self.look(), self._desktop.scale
+        return [picture.at(x * scale, y * scale) for y in range(482, 584) for x in range(288, 896)]
+
+    def ring_of_the_disk(self):
+        return self._count(327, 243, 154, 154, self.RING)
 
     def broom(self):
         """The pixels of the animation's middle lines."""
