@@ -1,20 +1,13 @@
 #include "WindowProbe.h"
 
-#include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <xcb/damage.h>
 #include <xcb/xcb.h>
 
 #include <algorithm>
-#include <csignal>
 #include <cstdlib>
-#include <cstring>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 
 namespace halvane::bench {
@@ -29,58 +22,7 @@ struct Free {
 template <typename T>
 using Reply = std::unique_ptr<T, Free>;
 
-pid_t spawn(const std::vector<std::string>& command, const std::vector<std::string>& environment, int keptDescriptor = -1) {
-    const auto pointers = [](const std::vector<std::string>& texts) {
-        std::vector<char*> list;
-        list.reserve(texts.size() + 1);
-        for (const auto& text : texts) list.push_back(const_cast<char*>(text.c_str()));
-        list.push_back(nullptr);
-        return list;
-    };
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    if (keptDescriptor >= 0) posix_spawn_file_actions_adddup2(&actions, keptDescriptor, 3);
-    pid_t child = -1;
-    const int failed = posix_spawnp(&child, command[0].c_str(), &actions, nullptr, pointers(command).data(), pointers(environment).data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (failed != 0) throw std::runtime_error("cannot start " + command[0] + ": " + std::strerror(failed));
-    return child;
-}
-
-void end(pid_t child) {
-    if (child <= 0) return;
-    kill(child, SIGTERM);
-    for (int i = 0; i < 300; ++i) {
-        if (waitpid(child, nullptr, WNOHANG) != 0) return;
-        usleep(10'000);
-    }
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
-}
-
 double millisecondsSince(Clock::time_point start) { return std::chrono::duration<double, std::milli>(Clock::now() - start).count(); }
-
-std::uint64_t kibibytesOf(const std::string& file, const std::string& name) {
-    std::ifstream lines(file);
-    for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with(name + ":")) return std::strtoull(line.c_str() + name.size() + 1, nullptr, 10);
-    }
-    return 0;
-}
-
-double processorTime(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
-    std::stringstream text;
-    text << file.rdbuf();
-    std::istringstream fields(text.str().substr(text.str().rfind(')') + 2));
-    std::string skipped;
-    for (int i = 0; i < 11; ++i) fields >> skipped;
-    double user = 0;
-    double system = 0;
-    fields >> user >> system;
-    return (user + system) * 1000 / static_cast<double>(sysconf(_SC_CLK_TCK));
-}
 
 }  // namespace
 
@@ -89,7 +31,9 @@ WindowProbe::WindowProbe() {
     if (pipe(ends) != 0) throw std::runtime_error("no pipe");
     const char* variable = std::getenv("PATH");
     const std::string path = variable == nullptr ? "" : variable;
-    server_ = spawn({"Xvfb", "-displayfd", "3", "-screen", "0", "1280x1024x24", "-nolisten", "tcp"}, {"PATH=" + path}, ends[1]);
+    server_ =
+        std::make_unique<Program>(std::vector<std::string>{"Xvfb", "-displayfd", "3", "-screen", "0", "1280x1024x24", "-nolisten", "tcp"},
+                                  std::vector<std::string>{"PATH=" + path}, ends[1]);
     close(ends[1]);
     char number[16] = {};
     pollfd ready{ends[0], POLLIN, 0};
@@ -109,7 +53,6 @@ WindowProbe::WindowProbe() {
 
 WindowProbe::~WindowProbe() {
     if (connection_ != nullptr) xcb_disconnect(connection_);
-    end(server_);
 }
 
 double WindowProbe::untilFirstPaint(Clock::time_point start) {
@@ -148,26 +91,26 @@ bool WindowProbe::isPainted(std::uint32_t window, std::uint16_t width, std::uint
     return std::any_of(pixels, pixels + count, [first = pixels[0]](std::uint32_t pixel) { return pixel != first; });
 }
 
-WindowProbe::Start WindowProbe::measure(const std::vector<std::string>& command, const std::vector<std::string>& environment) {
+std::unique_ptr<Program> WindowProbe::show(const std::vector<std::string>& command, const std::vector<std::string>& environment,
+                                           double* firstPaint) {
     while (const Reply<xcb_generic_event_t> stale{xcb_poll_for_event(connection_)}) {
     }
     auto surroundings = environment;
     surroundings.push_back("DISPLAY=" + display_);
     const auto start = Clock::now();
-    const pid_t program = spawn(command, surroundings);
+    auto program = std::make_unique<Program>(command, surroundings);
+    const double painted = untilFirstPaint(start);
+    if (firstPaint != nullptr) *firstPaint = painted;
+    return program;
+}
+
+WindowProbe::Start WindowProbe::measure(const std::vector<std::string>& command, const std::vector<std::string>& environment) {
     Start result;
-    try {
-        result.firstPaint = untilFirstPaint(start);
-    } catch (...) {
-        end(program);
-        throw;
-    }
+    const auto program = show(command, environment, &result.firstPaint);
     usleep(1'000'000);
-    const std::string memory = "/proc/" + std::to_string(program) + "/smaps_rollup";
-    result.resident = kibibytesOf(memory, "Rss") * 1024;
-    result.privateSize = (kibibytesOf(memory, "Private_Dirty") + kibibytesOf(memory, "Private_Clean")) * 1024;
-    result.cpu = processorTime(program);
-    end(program);
+    result.resident = program->residentSize();
+    result.privateSize = program->privateSize();
+    result.cpu = program->processorTime();
     return result;
 }
 

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <sys/types.h>
+#include "Program.h"
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,11 +32,18 @@ public:
     /// std::runtime_error when no window appears within 20 s.
     Start measure(const std::vector<std::string>& command, const std::vector<std::string>& environment);
 
+    /// Starts the program and waits for its first painted window. `firstPaint`: in milliseconds.
+    [[nodiscard]] std::unique_ptr<Program> show(const std::vector<std::string>& command, const std::vector<std::string>& environment,
+                                                double* firstPaint = nullptr);
+
+    /// As DISPLAY names it.
+    [[nodiscard]] const std::string& display() const { return display_; }
+
 private:
     [[nodiscard]] double untilFirstPaint(std::chrono::steady_clock::time_point start);
     [[nodiscard]] bool isPainted(std::uint32_t window, std::uint16_t width, std::uint16_t height);
 
-    pid_t server_ = -1;
+    std::unique_ptr<Program> server_;
     std::string display_;
     xcb_connection_t* connection_ = nullptr;
     std::uint8_t damageEvent_ = 0;

@@ -52,12 +52,13 @@ class Picture:
 
 
 class Desktop:
-    """`scale`: device pixels to a pixel of the client's; places and sizes are the client's."""
+    """`scale`: device pixels to a pixel of the client's; `size` of the screen; places and sizes are the client's."""
 
     SERIAL = "HV0417A92K"
 
-    def __init__(self, processes, folder, scale=1):
+    def __init__(self, processes, folder, scale=1, size=(1280, 800)):
         self._processes = processes
+        self._size = size
         self.scale = scale
         self.home = Path(folder, "home")
         self.runtime = Path(folder, "runtime")
@@ -86,7 +87,7 @@ class Desktop:
     def _start_display(self):
         reader, writer = os.pipe()
         display = self._processes.start(
-            "xvfb", ["Xvfb", "-displayfd", writer, "-screen", "0", f"{1280 * self.scale}x{800 * self.scale}x24", "-nolisten", "tcp", "-noreset"], self.env, pass_fds=(writer,))
+            "xvfb", ["Xvfb", "-displayfd", writer, "-screen", "0", "x".join(str(number * self.scale) for number in self._size) + "x24", "-nolisten", "tcp", "-noreset"], self.env, pass_fds=(writer,))
         os.close(writer)
         with os.fdopen(reader) as numbers:
             number = numbers.readline().strip()  # ends with the server, if that fails

@@ -23,7 +23,8 @@ SETTLING = 0.4  # seconds until fades and pointers have come to rest
 
 
 class Gallery:
-    def __init__(self, desktop, client, company, folder):
+    def __init__(self, processes, desktop, client, company, folder):
+        self._processes = processes
         self._desktop = desktop
         self._client = client
         self._company = company
@@ -54,7 +55,17 @@ class Gallery:
             if entry not in main.selected():
                 main.select(entry)
             self._desktop.point(main.window, *(MainWindow.TOOLS["远程协助"] if entry == "功能" else (940, 20)))
+            if entry == "设备":
+                self._work()
             self._take(name, main.window)
+
+    def _work(self):
+        """Something for the line to show: a processor at work for a while, then at rest."""
+        for busy, rest in ((3, 4), (1, 6), (4, 5)):
+            load = self._processes.start("load", ["sh", "-c", "while :; do :; done"], self._desktop.env)
+            time.sleep(busy)
+            self._processes.end(load)
+            time.sleep(rest)
 
     def _tools(self, main):
         main.open_tool("清理垃圾")
@@ -101,6 +112,7 @@ class Gallery:
         self._desktop.key("Escape")
 
     def _maximised(self, main):
+        main.select("设备")
         self._desktop.do("wmctrl", "-i", "-r", hex(main.window.identifier), "-b", "add,maximized_vert,maximized_horz")
         time.sleep(SETTLING)
         self._take("maximised", main.window)
@@ -128,11 +140,11 @@ def main():
     build = options.build.resolve()
     with tempfile.TemporaryDirectory(prefix="halvane-gallery-", ignore_cleanup_errors=True) as folder:
         try:
-            desktop = Desktop(processes, folder, options.scale)
+            desktop = Desktop(processes, folder, options.scale, size=(1920, 1080))
             desktop.start()
             company = Company(processes, build / "bin/halvane-server", folder, desktop.env)
             company.start()
-            gallery = Gallery(desktop, Client(processes, desktop, company, build), company, pictures)
+            gallery = Gallery(processes, desktop, Client(processes, desktop, company, build), company, pictures)
             gallery.walk()
             if options.sheet:
                 gallery.sheet(options.sheet, options.only)

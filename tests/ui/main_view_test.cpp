@@ -96,6 +96,10 @@ TEST_F(MainViewTest, whole_menu_works_by_keyboard) {
 TEST_F(MainViewTest, head_shows_who_is_signed_in) {
     auto& head = story.control<ui::MainMenuHeadView>(menu(), "headView");
     EXPECT_EQ(head.text(), QStringLiteral("陈晓"));
+    story.signIn({{"nick_name", "A&B"}});
+    open();
+    EXPECT_EQ(story.control<ui::MainMenuHeadView>(menu(), "headView").text(), QStringLiteral("A&B"));
+    EXPECT_TRUE(story.control<ui::MainMenuHeadView>(menu(), "headView").shortcut().isEmpty());
     story.signIn({{"nick_name", util::Value()}});
     open();
     EXPECT_EQ(story.control<ui::MainMenuHeadView>(menu(), "headView").text(), QString());

@@ -34,6 +34,7 @@ MainMenuHeadView::MainMenuHeadView(AvatarStore& avatars, QWidget* parent)
 void MainMenuHeadView::setModel(const session::HDCLUserModel& model) {
     avatar_->setAddress(avatars_, model.header_img);
     setText(QString::fromStdString(model.nick_name.value_or("")).simplified());
+    setShortcut({});  // an "&" in a name makes no key
     // A button without a word would have no name.
     setAccessibleName(text().isEmpty() ? QStringLiteral("个人菜单") : text());
 }
