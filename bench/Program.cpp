@@ -66,10 +66,16 @@ double Program::processorTime() const {
     return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
-std::uint64_t Program::wakeUps() const {
-    std::uint64_t count = 0;
+Program::WakeUps Program::wakeUps() const {
+    WakeUps found;
     for (const auto& thread : std::filesystem::directory_iterator(file("task")))
-        count += numberOf(thread.path() / "status", "voluntary_ctxt_switches");
+        found[thread.path().filename()] = numberOf(thread.path() / "status", "voluntary_ctxt_switches");
+    return found;
+}
+
+std::uint64_t Program::wakeUpsSince(const WakeUps& before) const {
+    std::uint64_t count = 0;
+    for (const auto& [thread, now] : wakeUps()) count += now - (before.contains(thread) ? before.at(thread) : 0);
     return count;
 }
 

@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -19,8 +20,11 @@ public:
 
     /// Milliseconds of all threads since its start.
     [[nodiscard]] double processorTime() const;
-    /// How often its threads went to sleep and woke again.
-    [[nodiscard]] std::uint64_t wakeUps() const;
+    /// How often each of its threads went to sleep and woke again.
+    using WakeUps = std::map<std::string, std::uint64_t>;
+    [[nodiscard]] WakeUps wakeUps() const;
+    /// Of all threads that are there now.
+    [[nodiscard]] std::uint64_t wakeUpsSince(const WakeUps& before) const;
     /// Bytes in memory, shared libraries included.
     [[nodiscard]] std::uint64_t residentSize() const;
     /// Bytes that no other program shares.

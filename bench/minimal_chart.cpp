@@ -5,7 +5,7 @@
 #include <QTimer>
 
 // The peer of the page of the computer: the least that a Qt Charts program with a line of a hundred points can
-// be, which changes once a second.
+// be, which changes once a second. An argument becomes its title: what a text in the language of the pages costs.
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     auto* series = new QLineSeries;
@@ -15,6 +15,7 @@ int main(int argc, char** argv) {
     chart->createDefaultAxes();
     chart->axes(Qt::Vertical).constFirst()->setRange(0, 100);
     chart->legend()->hide();
+    if (argc > 1) chart->setTitle(QString::fromLocal8Bit(argv[1]));
     QChartView view(chart);
     view.setRenderHint(QPainter::Antialiasing);
     view.resize(960, 640);

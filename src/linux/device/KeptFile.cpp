@@ -22,18 +22,20 @@ std::optional<std::string> KeptFile::text() const {
 }
 
 bool KeptFile::readInto(std::string& bytes) const {
-    // There is no size to ask for. Room for a little more than last time, and mostly two calls read it all.
-    constexpr std::size_t kMore = 4096;
+    // There is no size to ask for. With room for a little more than last time, one call mostly reads it all: the
+    // kernel fills what it is given, or has come to the end.
+    constexpr std::size_t kMore = 1024;
     std::size_t filled = 0;
     bytes.resize(usualSize_ + kMore);
     while (true) {
-        if (bytes.size() - filled < kMore / 2) bytes.resize(bytes.size() + kMore);
-        const ssize_t count = ::pread(descriptor_.get(), bytes.data() + filled, bytes.size() - filled, static_cast<off_t>(filled));
+        const std::size_t room = bytes.size() - filled;
+        const ssize_t count = ::pread(descriptor_.get(), bytes.data() + filled, room, static_cast<off_t>(filled));
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return false;
-        if (count == 0) break;
         filled += static_cast<std::size_t>(count);
         if (filled > SystemFiles::kLongestText) return false;
+        if (static_cast<std::size_t>(count) < room) break;
+        bytes.resize(2 * bytes.size());
     }
     bytes.resize(filled);
     return true;

@@ -18,8 +18,8 @@ std::optional<std::uint64_t> LinuxSystemCounters::pageSize() const {
 
 std::optional<platform::MemoryCounters> LinuxSystemCounters::memory() const {
     const auto page = pageSize();
-    const auto text = memory_.text();
-    const auto info = text ? MemoryInfo::parse(*text) : std::nullopt;
+    auto text = memory_.text();
+    const auto info = text ? MemoryInfo::parse(*std::move(text)) : std::nullopt;
     if (!page || !info) return std::nullopt;
     const auto pages = [&](const char* field) { return info->bytes(field) / *page; };
 
