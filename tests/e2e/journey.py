@@ -5,20 +5,15 @@ Starts a virtual display, a window manager, a session bus, a Secret Service, the
 client, all of them private, and looks only at what can be seen from outside: windows and their pixels, the
 server's log and database, files, the certificate store, processes. One line a step; exit code 1 when one fails.
 """
-import argparse
-import contextlib
 import plistlib
-import shutil
 import sys
-import tempfile
 import time
 from pathlib import Path
 
 from client import LOGIN_SIZE, MAIN_SIZE, Client, LoginWindow, mode_of, texts_in
-from company import Company
-from desktop import Desktop
 from main_window_steps import MainWindowSteps
-from processes import ChildWatch, Failed, Processes, descendants, end_after, expect, output_of, stays, wait_for
+from processes import ChildWatch, descendants, expect, output_of, stays, wait_for
+from stage import options_of, perform, take
 from tool_root import ToolRoot
 from watch_steps import WatchSteps
 
@@ -34,8 +29,8 @@ class Journey:
         self._pictures = options.pictures
         self._taken = 0
         self._watched = set()
-        self._main_window = MainWindowSteps(desktop, company, client, self._photograph)
-        self._watch = WatchSteps(desktop, company, client, tools, self._photograph)
+        self._main_window = MainWindowSteps(desktop, company, client, self.photograph)
+        self._watch = WatchSteps(desktop, company, client, tools, self.photograph)
 
     def steps(self):
         return [self.first_start, self.wrong_password, self.second_tries_send_nothing, self.quits_on_request, self.fields_are_prefilled,
@@ -43,7 +38,7 @@ class Journey:
                 *self._main_window.steps(), *self._watch.page(), self.nothing_secret_leaks, self.next_start_asks_nobody, self.closing_puts_it_behind,
                 self.second_start_raises_the_first, *self._watch.steps(), self.leaves_by_keyboard, self.leaves_by_the_desktop_entry]
 
-    def _photograph(self, name, window=None):
+    def photograph(self, name, window=None):
         self._taken += 1
         self._desktop.photograph(self._pictures / f"{self._taken:02}-{name}.png", window)
 
@@ -60,7 +55,7 @@ class Journey:
         expect(len(self._client.windows()) == 1, "there is only the login window")
         expect(not self._company.requests(), f"nothing was sent yet, not {self._company.requests()}")
         expect(login.auto_login_is_on(), "automatic login is on at the very first start")
-        self._photograph("login")
+        self.photograph("login")
         return f'login window "Halvane", 330×400, after {took:.1f} s; nothing sent'
 
     def wrong_password(self):
@@ -72,7 +67,7 @@ class Journey:
         wait_for("the server's message in the window", login.shows_message)
         expect(login.shows_busy(), f"the button stays grey, not {login.button_colour()}")
         expect(self._company.sessions() == 0, "the server opened no session")
-        self._photograph("wrong-password", login.window)
+        self.photograph("wrong-password", login.window)
         return "one login request, no session, the server's message in red, the button grey"
 
     def second_tries_send_nothing(self):
@@ -95,7 +90,7 @@ class Journey:
         wait_for("the password's dots", login.password_is_filled, 5.0)
         expect(login.button_colour() == LoginWindow.ORANGE, "the button is ready again")
         expect(len(self._company.logins()) == 1, "no login request of its own")
-        self._photograph("prefilled", login.window)
+        self.photograph("prefilled", login.window)
         # A user name is stored but nobody has signed in yet: the switch shows the preference, which is not set.
         expect(not login.auto_login_is_on(), "automatic login is off until it is chosen")
         login.click_auto_login()
@@ -120,8 +115,8 @@ class Journey:
         expect([status for *_, status in self._company.logins()] == [200, 200], "one more login request")
         expect(self._company.sessions() == 1, "the server opened one session")
         wait_for("the user on the page", lambda: self._dark_pixels(main) > 50)
-        self._photograph("signed-in", main)
-        self._photograph("screen")
+        self.photograph("signed-in", main)
+        self.photograph("screen")
         return f"the last letter and Enter: main window 960×640 after {took:.1f} s, login window hidden, one session on the server"
 
     def _dark_pixels(self, window):
@@ -190,7 +185,7 @@ class Journey:
         wait_for("the login window goes", lambda: len(self._client.windows()) == 1)
         wait_for("the user on the page", lambda: self._dark_pixels(main) > 50)
         stays("no login request", lambda: len(self._company.logins()) == before)
-        self._photograph("signed-in-again")
+        self.photograph("signed-in-again")
         return f"main window after {took:.2f} s, no login request"
 
     def closing_puts_it_behind(self):
@@ -202,7 +197,7 @@ class Journey:
         wait_for("the main window below the other one", lambda: self._desktop.stacking() == [main.identifier, other.identifier])
         stays("the client runs on", self._client.is_running)
         expect(self._client.windows() == [main], f"the same window, not {self._client.windows()}")
-        self._photograph("closed-is-behind")
+        self.photograph("closed-is-behind")
         return "close button: still running, its window below the other"
 
     def second_start_raises_the_first(self):
@@ -212,7 +207,7 @@ class Journey:
         expect(second.returncode == 0, f"the second start ends with 0, not {second.returncode}")
         wait_for("the first one's window on top", lambda: self._desktop.stacking()[-1] == main.identifier)
         expect(self._client.windows() == [main] and self._client.is_running(), "the first one is as it was")
-        self._photograph("raised")
+        self.photograph("raised")
         return "a second start ends with 0 and raises the first"
 
     def leaves_by_keyboard(self):
@@ -238,54 +233,17 @@ class Journey:
         return "halvane --quit: both exit codes 0"
 
 
-def take(journey):
-    """Runs the steps in their order and stops at the first that fails."""
-    for number, step in enumerate(journey.steps(), 1):
-        name = step.__name__.replace("_", " ")
-        began = time.monotonic()
-        try:
-            seen = step()
-            print(f"✓ {number:2} {name} ({time.monotonic() - began:.1f} s): {seen}", flush=True)
-        except Exception as problem:  # whatever it is, the other side of it is a failed step
-            print(f"✗ {number:2} {name}: {problem or type(problem).__name__}", flush=True)
-            with contextlib.suppress(Exception):
-                journey._photograph("failed")
-            return False
-    return True
-
-
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--build", type=Path, required=True, help="build directory with bin/, libexec/ and share/")
-    parser.add_argument("--pictures", type=Path, required=True, help="directory for the pictures, emptied first")
-    options = parser.parse_args()
-    build, pictures = options.build.resolve(), options.pictures.resolve()
-    shutil.rmtree(pictures, ignore_errors=True)
-    pictures.mkdir(parents=True)
+    options = options_of(__doc__)
 
-    began = time.monotonic()
-    end_after(LONGEST)
-    processes = Processes(pictures / "logs")
-    good = False
-    with tempfile.TemporaryDirectory(prefix="halvane-journey-", ignore_cleanup_errors=True) as folder:
-        try:
-            desktop = Desktop(processes, folder)
-            desktop.start()
-            company = Company(processes, build / "bin/halvane-server", folder, desktop.env)
-            company.start()
-            client = Client(processes, desktop, company, build)
-            tools = ToolRoot(folder, client.tools)
-            client.environment["HALVANE_TOOL_ROOT"] = str(tools.path)
-            good = take(Journey(processes, desktop, company, client, tools, options))
-        except (Failed, OSError) as problem:
-            print(f"✗ {problem}")
-        finally:
-            processes.end_all()
-    if not good:
-        for name, lines in processes.tails():
-            print(f"--- {name}", *lines, sep="\n")
-    print(f"the journey took {time.monotonic() - began:.0f} s; pictures and logs: {pictures}")
-    return 0 if good else 1
+    def play(processes, desktop, company, folder):
+        client = Client(processes, desktop, company, options.build)
+        tools = ToolRoot(folder, client.tools)
+        client.environment["HALVANE_TOOL_ROOT"] = str(tools.path)
+        journey = Journey(processes, desktop, company, client, tools, options)
+        return take(journey.steps(), journey.photograph)
+
+    return perform(options, LONGEST, play)
 
 
 if __name__ == "__main__":

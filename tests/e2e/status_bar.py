@@ -2,19 +2,15 @@
 """The icon in the status bar, on desktops of several kinds: with a tray that comes, goes and returns, with
 StatusNotifierItem that comes, goes and returns, with one that hangs, without a session bus, and with none at all.
 """
-import argparse
 import re
-import shutil
 import sys
-import tempfile
 import time
 from pathlib import Path
 
 from client import LOGIN_SIZE, Client, LoginWindow
-from company import Company
-from desktop import Desktop
 from main_window import MainWindow
-from processes import Failed, Processes, end_after, expect, output_of, stays, wait_for
+from processes import expect, output_of, stays, wait_for
+from stage import options_of, perform, take
 
 LONGEST = 150
 MENU = "com.canonical.dbusmenu"
@@ -91,6 +87,9 @@ class Story:
         return [self.no_status_bar_at_all, self.tray_appears_later_and_returns, self.menu_of_the_tray, self.host_appears_later_and_returns,
                 self.menu_of_the_host, self.host_before_the_client_beats_the_tray, self.without_a_session_bus, self.host_that_hangs]
 
+    def photograph(self, name):
+        self._desktop.photograph(self._pictures / f"{name}.png")
+
     def _main(self):
         return MainWindow(self._desktop, self._client)
 
@@ -126,7 +125,7 @@ class Story:
     def tray_appears_later_and_returns(self):
         self._bar.start_tray()
         self._one_tray_icon()
-        self._desktop.photograph(self._pictures / "tray.png")
+        self.photograph("tray")
         self._bar.end_tray()
         stays("the client runs on without it", self._client.is_running)
         self._bar.start_tray()
@@ -140,7 +139,7 @@ class Story:
             (x, y), = self._bar.tray_icons()
             self._desktop.do("xdotool", "mousemove", x, y, "click", button)
             time.sleep(0.3)  # until the menu has the keyboard
-            self._desktop.photograph(self._pictures / f"menu-{button}.png")
+            self.photograph(f"menu-{button}")
             self._desktop.key("Down", "Return")
             wait_for(f"the reminder by button {button}", main.shows_reminder)
             self._close_reminder(main)
@@ -208,44 +207,15 @@ class Story:
         return "a host that never answers holds nothing up"
 
 
-def take(story):
-    for number, step in enumerate(story.steps(), 1):
-        name = step.__name__.replace("_", " ")
-        began = time.monotonic()
-        try:
-            print(f"✓ {number} {name}: {step()} ({time.monotonic() - began:.1f} s)", flush=True)
-        except (Failed, OSError, ValueError) as problem:
-            print(f"✗ {number} {name}: {problem}", flush=True)
-            return False
-    return True
-
-
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--build", type=Path, required=True, help="build directory with bin/, libexec/ and share/")
-    parser.add_argument("--pictures", type=Path, required=True, help="directory for the pictures, emptied first")
-    options = parser.parse_args()
-    build, pictures = options.build.resolve(), options.pictures.resolve()
-    shutil.rmtree(pictures, ignore_errors=True)
-    pictures.mkdir(parents=True)
-    end_after(LONGEST)
-    processes = Processes(pictures / "logs")
-    good = False
-    with tempfile.TemporaryDirectory(prefix="halvane-status-bar-", ignore_cleanup_errors=True) as folder:
-        try:
-            desktop = Desktop(processes, folder)
-            desktop.start()
-            company = Company(processes, build / "bin/halvane-server", folder, desktop.env)
-            company.start()
-            good = take(Story(desktop, company, Client(processes, desktop, company, build), StatusBar(processes, desktop), pictures))
-        except (Failed, OSError) as problem:
-            print(f"✗ {problem}")
-        finally:
-            processes.end_all()
-    if not good:
-        for name, lines in processes.tails():
-            print(f"--- {name}", *lines, sep="\n")
-    return 0 if good else 1
+    options = options_of(__doc__)
+
+    def play(processes, desktop, company, _folder):
+        client = Client(processes, desktop, company, options.build)
+        story = Story(desktop, company, client, StatusBar(processes, desktop), options.pictures)
+        return take(story.steps(), story.photograph)
+
+    return perform(options, LONGEST, play)
 
 
 if __name__ == "__main__":

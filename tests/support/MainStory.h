@@ -56,7 +56,7 @@ struct MainStory {
                      .avatars = avatars,
                      .panels = panels,
                      .showLoginWindow = [this] { events.push_back("login window"); }},
-            .device = {sampler, device.helper, *company.mainLoop, company.mainLoop},
+            .device = {sampler, device.helper, facts, company.mainLoop},
             .monitoring = monitoring,
             .companyAccess = companyAccess,
             .statusBar = statusBarConfig,
@@ -92,10 +92,11 @@ struct MainStory {
     RecordingLog log;
     util::NotificationCenter notifications;
     RecordingUpdater updater{events};
+    ManualMainLoop facts;  ///< where the facts of the computer are read
     RecordingStatusBar statusBar;
     device::HVStatusBarConfig statusBarConfig{statusBar};
     device::HVDeviceUsageInfoManager sampler{{*company.mainLoop, device, device.helper, log}};
-    device::HVDeviceStatusMonitoring monitoring{{company.mainLoop, *company.mainLoop, company.user, company.requests, device.helper}};
+    device::HVDeviceStatusMonitoring monitoring{{company.mainLoop, facts, company.user, company.requests, device.helper}};
     device::CompanyAccess companyAccess{{*company.mainLoop, device.helper}};
     session::WorkAddressInfoHelper workplaces{company.preferences};
     ui::AvatarStore avatars{{.transport = company.transport,

@@ -24,12 +24,14 @@ protected:
         window = story.makeMainWindow();
         window->makeKeyAndOrderFront();
         EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
-        story.company.mainLoop->runPending();
+        story.facts.runPending();
         story.device.launcher.starts.clear();
     }
     /// Half a minute, and what the server says at its end.
     void poll(const char* lock, const char* lose) {
         story.company.mainLoop->advance(30s);
+        story.facts.runPending();
+        story.company.mainLoop->runPending();
         story.company.transport.replyJson(
             story.company.transport.exchanges.size() - 1,
             std::string(R"({"code":200,"data":{"lock_status":")") + lock + R"(","lose_status":")" + lose + R"("}})");
@@ -75,6 +77,8 @@ TEST_F(DeviceWatchTest, lost_signs_out_and_shows_the_login_window) {
     EXPECT_EQ(tools(), Events{});
     const auto asked = story.company.transport.exchanges.size();
     story.company.mainLoop->advance(10min);
+    story.facts.runPending();
+    story.company.mainLoop->runPending();
     EXPECT_EQ(story.company.transport.exchanges.size(), asked) << "nobody is there to ask for";
 }
 
