@@ -104,6 +104,9 @@ TEST(SystemCounters, texts_that_stay_open_are_read_anew) {
     EXPECT_EQ(told(counters.processors()), "2/0/2/0 ") << "shorter than before";
     machine.put("proc/stat", std::string(SystemFiles::kLongestText + 1, ' '));
     EXPECT_FALSE(counters.processors()) << "without end";
+    std::filesystem::remove(machine.files().whole("proc/stat"));
+    machine.put("proc/stat", "cpu 3 0 0 3\ncpu0 3 0 0 3\n");
+    EXPECT_EQ(told(counters.processors()), "3/0/3/0 ") << "another file in its place";
 }
 
 TEST(SystemCounters, this_machine_adds_up) {
