@@ -113,7 +113,7 @@ class MainWindowSteps:
         code = self._company.mailed_code()
         self._client.start_another("--uninstall")
         wait_for("the reminder", main.shows_reminder)
-        expect(main.tip_colour() == "good", "the tip of before is still there")
+        wait_for("the tip of before", lambda: main.tip_colour() == "good")
         main.click(MainWindow.CODE_FIELD)
         wrong = "000000" if code != "000000" else "111111"
         self._desktop.type(wrong + "9")  # the seventh is cut
