@@ -71,6 +71,7 @@ class Desktop:
             "XDG_CACHE_HOME": str(self.cache), "XDG_CURRENT_DESKTOP": "journey",
             # Nothing of the journey shall go to the machine's own bus or network services.
             "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={self.runtime}/system-bus",
+            "LSAN_OPTIONS": f"suppressions={HERE / 'leaks.supp'}:print_suppressions=0",
         }
         if scale != 1:
             self.env["QT_SCALE_FACTOR"] = str(scale)
