@@ -2,6 +2,7 @@
 
 #include "ui/widgets/HDCLUICenter.h"
 
+#include <QPainter>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -47,7 +48,8 @@ void apply(const util::StyledText& summary, const util::StyledText::Run& run, QT
 HardwareSummaryView::HardwareSummaryView(QWidget* parent) : QLabel(parent) {
     setObjectName(QStringLiteral("infoTextView"));
     setTextFormat(Qt::RichText);
-    setTextInteractionFlags(Qt::TextSelectableByMouse);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setFocusPolicy(Qt::StrongFocus);
     setAlignment(Qt::AlignLeft | Qt::AlignTop);
     setWordWrap(true);
 }
@@ -66,6 +68,26 @@ void HardwareSummaryView::setSummary(const util::StyledText& summary) {
     for (const auto& run : summary.runs) apply(summary, run, document);
     setText(document.toHtml());
     setAccessibleName(plain);
+}
+
+void HardwareSummaryView::paintEvent(QPaintEvent* event) {
+    QLabel::paintEvent(event);
+    if (!ring_.isShown()) return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    ring_.paint(painter, rect());
+}
+
+void HardwareSummaryView::focusInEvent(QFocusEvent* event) {
+    ring_.focusIn(*event);
+    QLabel::focusInEvent(event);
+    update();
+}
+
+void HardwareSummaryView::focusOutEvent(QFocusEvent* event) {
+    ring_.focusOut(*event);
+    QLabel::focusOutEvent(event);
+    update();
 }
 
 }  // namespace halvane::device

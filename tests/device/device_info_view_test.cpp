@@ -10,6 +10,7 @@
 #include "support/ViewTest.h"
 
 #include <QAccessible>
+#include <QClipboard>
 #include <QLabel>
 #include <QTextDocument>
 #include <QWheelEvent>
@@ -81,6 +82,20 @@ TEST_F(DeviceInfoViewTest, summary_arrives_later_and_keeps_its_place) {
               "halvane-ws-0417\n\nDebian GNU/Linux  12\n处理器：17179869184\n内存：16GB\n硬盘：477GB\n序列号：HV-0001GB");
     EXPECT_EQ(control("infoTextView").geometry(), place);
     EXPECT_LE(control<QLabel>("infoTextView").heightForWidth(place.width()), place.height()) << "all of it can be seen";
+}
+
+TEST_F(DeviceInfoViewTest, summary_can_be_copied_by_keyboard) {
+    show(*view);
+    facts.runPending();
+    loop->runPending();
+    chart().setFocus(Qt::TabFocusReason);
+    press(Qt::Key_Tab, Qt::ShiftModifier);
+    EXPECT_EQ(focused(), "infoTextView");
+    press(Qt::Key_A, Qt::ControlModifier);
+    press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text().section(u'\n', -1).toStdString(), "序列号：HV-0001GB");
+    press(Qt::Key_Tab);
+    EXPECT_EQ(focused(), "lineChartView");
 }
 
 TEST_F(DeviceInfoViewTest, summary_may_arrive_when_the_page_is_gone) {
