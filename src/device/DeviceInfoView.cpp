@@ -165,7 +165,7 @@ QRect DeviceInfoView::cpuCard() const {
 void DeviceInfoView::resizeEvent(QResizeEvent*) {
     const QRect column = C::contentColumn(size());
     computerView->setGeometry({column.topLeft() + QPoint(0, kTop), kPicture});
-    const int textLeft = column.left() + kPicture.width() + kPictureGap;
+    const int textLeft = column.left() + kPicture.width() + kPictureGap - HardwareSummaryView::padding;
     infoTextView->setGeometry(textLeft, kTop, column.right() + 1 - textLeft, kRingTop - kTop - kGap / 2);
 
     const int ringHeight = kRingHeight + Growth(height()).rings;

@@ -52,6 +52,7 @@ HardwareSummaryView::HardwareSummaryView(QWidget* parent) : QLabel(parent) {
     setFocusPolicy(Qt::StrongFocus);
     setAlignment(Qt::AlignLeft | Qt::AlignTop);
     setWordWrap(true);
+    setContentsMargins(padding, 0, padding, 0);
 }
 
 void HardwareSummaryView::setSummary(const util::StyledText& summary) {

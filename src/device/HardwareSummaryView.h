@@ -10,6 +10,8 @@ namespace halvane::device {
 /// What the computer is, in a few lines that can be selected and copied, by pointer and by keyboard. Main thread.
 class HardwareSummaryView final : public QLabel {
 public:
+    static constexpr int padding = 10;  ///< left and right of the text, for the ring of the keyboard focus
+
     explicit HardwareSummaryView(QWidget* parent);
 
     /// Points count as pixels; a font whose name ends in "-Bold" is ours in bold.
