@@ -3,8 +3,8 @@
 #include "device/HVDeviceInfoHelper.h"
 #include "util/Text.h"
 
+#include <map>
 #include <mutex>
-#include <set>
 
 namespace halvane::device {
 
@@ -14,32 +14,34 @@ constexpr const char* kService = "Wi-Fi";
 
 }  // namespace
 
-/// The names whose revocation waits in the queue. Any thread.
+/// How many revocations of each name wait in the queue. Any thread.
 class CompanyAccess::Waiting {
 public:
-    /// Whether it was not there yet.
-    bool add(const std::string& name) {
+    void add(const std::string& name) {
         const std::lock_guard lock(mutex_);
-        return names_.insert(name).second;
+        ++counts_[name];
     }
-    void remove(const std::string& name) {
+    /// Whether the one that begins now is the last of its name.
+    bool takeLast(const std::string& name) {
         const std::lock_guard lock(mutex_);
-        names_.erase(name);
+        const bool last = --counts_[name] == 0;
+        if (last) counts_.erase(name);
+        return last;
     }
 
 private:
     std::mutex mutex_;
-    std::set<std::string> names_;  // guarded by mutex_
+    std::map<std::string, int> counts_;  // guarded by mutex_
 };
 
 CompanyAccess::CompanyAccess(Collaborators collaborators) : to_(collaborators), waiting_(std::make_shared<Waiting>()) {}
 
 void CompanyAccess::revoke(const std::optional<std::string>& certificateName) {
     const std::string name = util::replaced(certificateName.value_or(""), ".pfx", "");
-    if (!waiting_->add(name)) return;
+    waiting_->add(name);
     // In one block: a client that ends meanwhile must not leave the network off.
     to_.toolQueue.async([&device = to_.device, waiting = waiting_, name] {
-        waiting->remove(name);
+        if (!waiting->takeLast(name)) return;
         if (!name.empty()) (void)device.delCertWithName(name);
         (void)device.closeNetworkService(kService);
         (void)device.openNetworkService(kService);

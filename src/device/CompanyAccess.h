@@ -26,7 +26,7 @@ public:
 
     /// Deletes the certificate of that name, then switches the network off and on, so that it is joined anew
     /// without it. `certificateName` as the profile has it: every ".pfx" in it falls away, and when nothing is
-    /// left nothing is deleted. A call while an earlier one for the same name has not begun adds nothing to it.
+    /// left nothing is deleted. Of calls for one name that wait, the last one acts.
     void revoke(const std::optional<std::string>& certificateName);
 
 private:

@@ -92,7 +92,7 @@ QLineSeries* UsageChartView::addSeries() {
 void UsageChartView::setData(const CpuWave& wave) {
     qsizetype used = 0;
     for (const auto& run : wave.runs()) {
-        if (run.color != CpuWave::Color::Red) continue;  // white on white, or clear
+        if (run.color != CpuWave::Color::Red) continue;  // the gap; white is what nobody sees before the first sample
         QList<QPointF> points;
         for (std::size_t i = run.first; i <= run.last; ++i) points.append(QPointF(wave.yVals()[i].x, wave.yVals()[i].y));
         (used < series_.size() ? series_[used] : addSeries())->replace(points);
@@ -183,6 +183,8 @@ void UsageChartView::mousePressEvent(QMouseEvent* event) {
 }
 
 void UsageChartView::mouseMoveEvent(QMouseEvent* event) {
+    // The release may have gone elsewhere, with the page hidden meanwhile.
+    if (dragging_ && !(event->buttons() & Qt::LeftButton)) dragging_ = false;
     if (!dragging_) return;
     const double moved = event->position().x() - std::exchange(dragX_, event->position().x());
     speed_ = moved * kFrame / std::max<double>(static_cast<double>(sinceMove_.restart()), 1);

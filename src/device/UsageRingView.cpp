@@ -79,6 +79,7 @@ void UsageRingView::setParts(int used, int free) {
     // Negative parts cannot be drawn: then there is more cache than memory in use.
     parts_->slices().constFirst()->setValue(std::max(used, 0));
     parts_->slices().constLast()->setValue(std::max(free, 0));
+    parts_->setVisible(parts_->sum() > 0);  // of nothing, Qt would leave what it drew last
 }
 
 QString UsageRingView::centerText() const { return centerLabel->text(); }

@@ -11,9 +11,9 @@
 namespace halvane::qt {
 
 /// One icon with its menu. It is made when there is a status bar to show it: Qt decides once in a program's
-/// life, with its first icon, which protocol it speaks. From then on Qt follows the bar, should it go and
-/// come back. The menu opens with either button, on a Wayland
-/// desktop with the one that the desktop opens menus with. Main thread.
+/// life, with its first icon, which protocol it speaks. From then on Qt follows the bar, should it go and come
+/// back. The menu opens with either button, on a Wayland desktop with the one that it opens menus with. Main
+/// thread.
 class QtStatusItem final : public platform::StatusBar::Item {
 public:
     explicit QtStatusItem(QtStatusBar::LoadImage loadImage);

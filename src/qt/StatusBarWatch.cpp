@@ -105,7 +105,7 @@ void StatusBarWatch::answered(QDBusPendingCallWatcher& call) {
     // Qt asks the same again and waits for it: whoever does not answer now must not be asked by Qt.
     if (reply.isError() && (reply.error().type() == QDBusError::NoReply || reply.error().type() == QDBusError::Timeout)) return;
     const bool hasHost = reply.isValid() && reply.value().variant().toBool();
-    if (hasHost || trayExists()) finish();
+    if (hasHost || trayExists()) QTimer::singleShot(0, &ask_, [this] { finish(); });  // outside the bus's own call
 }
 
 void StatusBarWatch::finish() {

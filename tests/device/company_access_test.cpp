@@ -54,6 +54,13 @@ TEST_F(CompanyAccessTest, calls_that_wait_behind_a_busy_tool_do_not_pile_up) {
     EXPECT_EQ(device.launcher.starts, revoking("c"));
     EXPECT_EQ(revoked("c.pfx"), revoking("c")) << "the next call acts again";
     access.revoke("c.pfx");
+    queue.async([this] { device.launcher.starts.push_back("an installation"); });
+    access.revoke("c.pfx");
+    device.launcher.starts.clear();
+    queue.runPending();
+    ASSERT_EQ(device.launcher.starts.size(), 4u);
+    EXPECT_EQ(device.launcher.starts[0], "an installation") << "the last word counts";
+    access.revoke("c.pfx");
     access.revoke("d.pfx");
     device.launcher.starts.clear();
     queue.runPending();

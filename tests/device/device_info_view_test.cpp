@@ -8,6 +8,7 @@
 #include "support/LayoutCheck.h"
 #include "support/ManualMainLoop.h"
 #include "support/ViewTest.h"
+#include "ui/widgets/HDCLUICenter.h"
 
 #include <QAccessible>
 #include <QClipboard>
@@ -162,6 +163,14 @@ TEST_F(DeviceInfoViewTest, what_the_computer_does_not_tell_is_left_open) {
         EXPECT_EQ(center(name), "--GB \n共--GB");
         EXPECT_EQ(std::pair(ring(name).usedPart(), ring(name).freePart()), std::pair(0, 0));
     }
+    auto& memory = ring("memoryView");
+    const auto top = [&memory] { return memory.grab().toImage().pixelColor(memory.width() / 2 + 6, 26); };
+    memory.setParts(1, 0);
+    EXPECT_EQ(top(), ui::HDCLUICenter::colorRing);
+    memory.setParts(0, 0);
+    EXPECT_EQ(top(), ui::HDCLUICenter::colorLine) << "an empty ring";
+    memory.setParts(3, 1);
+    EXPECT_EQ(top(), ui::HDCLUICenter::colorRing);
     on.memoryPages = platform::MemoryCounters{.active = 100, .external = 600'000};
     second(5);
     EXPECT_EQ(center("memoryView"), "-2.29GB \n共0.00GB") << "more cache than memory in use";

@@ -23,22 +23,20 @@ std::optional<std::string> KeptFile::text() const {
 
 bool KeptFile::readInto(std::string& bytes) const {
     // There is no size to ask for. With room for a little more than last time, one call mostly reads it all: the
-    // kernel fills what it is given, or has come to the end.
+    // kernel fills what it is given, or has come to the end. A text in pieces would be of several moments, so what
+    // does not fit is read anew.
     constexpr std::size_t kMore = 1024;
-    std::size_t filled = 0;
     bytes.resize(usualSize_ + kMore);
     while (true) {
-        const std::size_t room = bytes.size() - filled;
-        const ssize_t count = ::pread(descriptor_.get(), bytes.data() + filled, room, static_cast<off_t>(filled));
+        const ssize_t count = ::pread(descriptor_.get(), bytes.data(), bytes.size(), 0);
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return false;
-        filled += static_cast<std::size_t>(count);
-        if (filled > SystemFiles::kLongestText) return false;
-        if (static_cast<std::size_t>(count) < room) break;
+        if (count < 0 || static_cast<std::size_t>(count) > SystemFiles::kLongestText) return false;
+        if (static_cast<std::size_t>(count) < bytes.size()) {
+            bytes.resize(static_cast<std::size_t>(count));
+            return true;
+        }
         bytes.resize(2 * bytes.size());
     }
-    bytes.resize(filled);
-    return true;
 }
 
 }  // namespace halvane::linux
