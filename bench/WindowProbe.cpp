@@ -31,15 +31,17 @@ WindowProbe::WindowProbe() {
     if (pipe(ends) != 0) throw std::runtime_error("no pipe");
     const char* variable = std::getenv("PATH");
     const std::string path = variable == nullptr ? "" : variable;
-    server_ =
-        std::make_unique<Program>(std::vector<std::string>{"Xvfb", "-displayfd", "3", "-screen", "0", "1280x1024x24", "-nolisten", "tcp"},
-                                  std::vector<std::string>{"PATH=" + path}, ends[1]);
+    server_ = std::make_unique<Program>(
+        std::vector<std::string>{"Xvfb", "-displayfd", "3", "-screen", "0", "1280x1024x24", "-nolisten", "tcp", "-noreset"},
+        std::vector<std::string>{"PATH=" + path}, ends[1]);
     close(ends[1]);
-    char number[16] = {};
+    // To the end of the line, or the server would write the rest of it to nobody and die of that.
+    std::string number;
     pollfd ready{ends[0], POLLIN, 0};
-    if (poll(&ready, 1, 10'000) != 1 || read(ends[0], number, sizeof number - 1) <= 0) throw std::runtime_error("Xvfb did not start");
+    for (char letter = 0; letter != '\n'; number += letter)
+        if (poll(&ready, 1, 10'000) != 1 || read(ends[0], &letter, 1) != 1) throw std::runtime_error("Xvfb did not start");
     close(ends[0]);
-    display_ = ":" + std::to_string(std::atoi(number));
+    display_ = ":" + std::to_string(std::atoi(number.c_str()));
 
     connection_ = xcb_connect(display_.c_str(), nullptr);
     if (xcb_connection_has_error(connection_) != 0) throw std::runtime_error("cannot open display " + display_);
