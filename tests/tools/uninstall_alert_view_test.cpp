@@ -2,8 +2,8 @@
 
 #include "support/FakeDevice.h"
 #include "support/ScriptedClient.h"
-#include "tools/UninstallAuthorisation.h"
 #include "support/ViewTest.h"
+#include "tools/UninstallAuthorisation.h"
 #include "ui/widgets/FilledButton.h"
 
 #include <QAccessible>
