@@ -2,8 +2,11 @@
 
 #include "support/FakeDevice.h"
 #include "support/ManualMainLoop.h"
+#include "support/ThreadQueue.h"
 
 #include <gtest/gtest.h>
+
+#include <future>
 
 namespace halvane::device {
 namespace {
@@ -65,6 +68,20 @@ TEST_F(CompanyAccessTest, calls_that_wait_behind_a_busy_tool_do_not_pile_up) {
     device.launcher.starts.clear();
     queue.runPending();
     EXPECT_EQ(device.launcher.starts.size(), 6u) << "another certificate is another matter";
+}
+
+TEST_F(CompanyAccessTest, calls_come_while_the_tools_run) {
+    {
+        test::ThreadQueue tools;
+        CompanyAccess busy({tools, device.helper});
+        for (int poll = 0; poll < 50; ++poll) busy.revoke("c.pfx");
+        std::promise<void> done;
+        tools.async([&done] { done.set_value(); });
+        done.get_future().wait();
+    }
+    ASSERT_GE(device.launcher.starts.size(), 3u);
+    EXPECT_EQ(device.launcher.starts.size() % 3, 0u) << "each of them whole";
+    EXPECT_EQ(device.launcher.starts.back(), revoking("c").back());
 }
 
 }  // namespace

@@ -5,6 +5,10 @@
 #include <sys/statfs.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <thread>
+#include <vector>
+
 namespace halvane::linux {
 namespace {
 
@@ -107,6 +111,21 @@ TEST(SystemCounters, texts_that_stay_open_are_read_anew) {
     std::filesystem::remove(machine.files().whole("proc/stat"));
     machine.put("proc/stat", "cpu 3 0 0 3\ncpu0 3 0 0 3\n");
     EXPECT_EQ(told(counters.processors()), "3/0/3/0 ") << "another file in its place";
+}
+
+TEST(SystemCounters, several_threads_read_whole_texts) {
+    const LinuxSystemCounters counters{SystemFiles()};
+    const auto processors = counters.processorCount();
+    std::atomic<int> torn{0};
+    std::vector<std::thread> threads;
+    for (int reader = 0; reader < 4; ++reader) {
+        threads.emplace_back([&] {
+            for (int time = 0; time < 200; ++time)
+                if (counters.processorCount() != processors || !counters.memory()) ++torn;
+        });
+    }
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(torn, 0);
 }
 
 TEST(SystemCounters, this_machine_adds_up) {
