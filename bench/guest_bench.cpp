@@ -1,3 +1,4 @@
+#include "BenchMain.h"
 #include "WindowProbe.h"
 #include "linux/PosixFileStore.h"
 #include "linux/PropertyListPreferences.h"
@@ -9,7 +10,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
@@ -149,11 +149,4 @@ int run(const std::filesystem::path& directory) {
 
 }  // namespace
 
-int main(int /*argc*/, char** argv) {
-    try {
-        return run(std::filesystem::canonical(argv[0]).parent_path());
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "guest_bench: %s\n", failure.what());
-        return 1;
-    }
-}
+int main(int /*argc*/, char** argv) { return halvane::bench::benchMain("guest_bench", argv[0], run); }

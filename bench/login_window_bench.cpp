@@ -1,9 +1,9 @@
+#include "BenchMain.h"
 #include "WindowProbe.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <functional>
 
@@ -73,11 +73,4 @@ int run(const std::filesystem::path& directory) {
 
 }  // namespace
 
-int main(int /*argc*/, char** argv) {
-    try {
-        return run(std::filesystem::canonical(argv[0]).parent_path());
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "login_window_bench: %s\n", failure.what());
-        return 1;
-    }
-}
+int main(int /*argc*/, char** argv) { return halvane::bench::benchMain("login_window_bench", argv[0], run); }

@@ -1,7 +1,8 @@
+#include "BenchMain.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <exception>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
@@ -56,11 +57,4 @@ int compare(const std::filesystem::path& directory) {
 
 }  // namespace
 
-int main(int /*argc*/, char** argv) {
-    try {
-        return compare(std::filesystem::canonical(argv[0]).parent_path());
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "main_window_bench: %s\n", failure.what());
-        return 1;
-    }
-}
+int main(int /*argc*/, char** argv) { return halvane::bench::benchMain("main_window_bench", argv[0], compare); }
