@@ -1,6 +1,6 @@
 #include "linux/SecretStore.h"
 
-#include "linux/SessionBus.h"
+#include "util/SessionBus.h"
 
 #include <algorithm>
 #include <utility>
@@ -64,7 +64,7 @@ util::Result<void> SecretStore::open() {
 }
 
 util::Result<void> SecretStore::connect() {
-    if (!sessionBusAddress()) return util::serviceError("secret service: there is no session bus");
+    if (!util::sessionBusAddress()) return util::serviceError("secret service: there is no session bus");
     const auto result = calls_.wait([](GCancellable* cancellable, GAsyncReadyCallback callback, void* data) {
         g_bus_get(G_BUS_TYPE_SESSION, cancellable, callback, data);
     });

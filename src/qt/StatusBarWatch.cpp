@@ -1,12 +1,13 @@
 #include "qt/StatusBarWatch.h"
 
+#include "util/SessionBus.h"
+
 #include <xcb/xcb.h>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
-#include <QFile>
 #include <QGuiApplication>
 #include <cstdlib>
 #include <memory>
@@ -21,12 +22,6 @@ const QString kService = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString kPath = QStringLiteral("/StatusNotifierWatcher");
 
 constexpr int kPatience = 3000;  // milliseconds
-
-/// Without an address the library would start a bus of its own.
-bool hasSessionBus() {
-    return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS") ||
-           QFile::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus"));
-}
 
 struct Free {
     void operator()(void* reply) const { std::free(reply); }
@@ -50,7 +45,7 @@ StatusBarWatch::StatusBarWatch(std::function<void()> appeared) : appeared_(std::
     ask_.setSingleShot(true);
     QObject::connect(&ask_, &QTimer::timeout, &ask_, [this] { askForHost(); });
     watchForTray();
-    if (hasSessionBus()) watchForHost();
+    if (util::sessionBusAddress()) watchForHost();
     ask_.start();
 }
 
@@ -85,7 +80,7 @@ bool StatusBarWatch::trayExists() const {
 }
 
 void StatusBarWatch::askForHost() {
-    if (!hasSessionBus() || !QDBusConnection::sessionBus().isConnected()) {
+    if (!service_.connection().isConnected()) {
         if (trayExists()) finish();
         return;
     }
@@ -93,7 +88,7 @@ void StatusBarWatch::askForHost() {
         QDBusMessage::createMethodCall(kService, kPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     question << kService << QStringLiteral("IsStatusNotifierHostRegistered");
     question.setAutoStartService(false);
-    auto* call = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question, kPatience), &ask_);
+    auto* call = new QDBusPendingCallWatcher(service_.connection().asyncCall(question, kPatience), &ask_);
     QObject::connect(call, &QDBusPendingCallWatcher::finished, &ask_, [this](QDBusPendingCallWatcher* done) {
         done->deleteLater();
         answered(*done);
@@ -112,8 +107,7 @@ void StatusBarWatch::finish() {
     if (!appeared_) return;
     ask_.stop();
     QObject::disconnect(&service_, nullptr, nullptr, nullptr);
-    QDBusConnection::sessionBus().disconnect(kService, kPath, kService, QStringLiteral("StatusNotifierHostRegistered"), &ask_,
-                                             SLOT(start()));
+    service_.connection().disconnect(kService, kPath, kService, QStringLiteral("StatusNotifierHostRegistered"), &ask_, SLOT(start()));
     qApp->removeNativeEventFilter(this);
     std::exchange(appeared_, nullptr)();
 }

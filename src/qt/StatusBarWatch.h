@@ -32,7 +32,7 @@ private:
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
     std::function<void()> appeared_;
-    QDBusServiceWatcher service_;
+    QDBusServiceWatcher service_;    ///< on no connection where there is no bus
     QTimer ask_;                     ///< asks from the event loop; the bus's signals can start it
     std::uint32_t managerAtom_ = 0;  ///< what an XEmbed tray announces itself with; 0 without X11
     std::uint32_t trayAtom_ = 0;     ///< whose owner is the tray of this screen

@@ -1,10 +1,10 @@
-#include "linux/SessionBus.h"
+#include "util/SessionBus.h"
 
 #include <sys/stat.h>
 
 #include <cstdlib>
 
-namespace halvane::linux {
+namespace halvane::util {
 
 std::optional<std::string> sessionBusAddress() {
     if (const char* named = std::getenv("DBUS_SESSION_BUS_ADDRESS"); named != nullptr && *named != '\0') {
@@ -19,4 +19,4 @@ std::optional<std::string> sessionBusAddress() {
     return "unix:path=" + socket;
 }
 
-}  // namespace halvane::linux
+}  // namespace halvane::util

@@ -3,10 +3,10 @@
 #include <optional>
 #include <string>
 
-namespace halvane::linux {
+namespace halvane::util {
 
 /// Where the session's message bus listens; absent without one. None is started: a program that
-/// stores a password is no reason for that. Any thread.
+/// stores a password or shows an icon is no reason for that. Any thread.
 std::optional<std::string> sessionBusAddress();
 
-}  // namespace halvane::linux
+}  // namespace halvane::util
