@@ -13,7 +13,6 @@ namespace halvane::device {
 namespace {
 
 constexpr std::chrono::milliseconds kInterval{30'000};
-constexpr int kOk = 200;
 
 /// Exactly this word; in any other spelling it is no.
 bool isYes(const util::Value* value) { return util::textOf(value) == "Yes"; }
@@ -53,7 +52,7 @@ void HVDeviceStatusMonitoring::ask(const Session& who, const std::optional<std::
 
 void HVDeviceStatusMonitoring::answered(const Session& who, const util::Value& response) {
     if (session() != who) return;
-    if (util::integerOf(util::member(&response, "code")) != kOk) return;
+    if (!service::HVRequstHelper::isAccepted(response)) return;
     const util::Value* data = util::member(&response, "data");
     const util::Dictionary* status = data == nullptr ? nullptr : data->dictionary();
     if (status == nullptr || status->empty()) return;

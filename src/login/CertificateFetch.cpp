@@ -17,8 +17,9 @@
 namespace halvane::login {
 
 namespace {
-constexpr int kOk = 200;
+
 constexpr const char* kProfileTemplate = "brelton.mobileconfig";
+
 }  // namespace
 
 CertificateFetch::CertificateFetch(Collaborators collaborators) : to_(collaborators) {}
@@ -30,7 +31,7 @@ void CertificateFetch::requestCertificateWithUserName(const std::string& userNam
         [to = to_, userName](const util::Value& response) {
             const util::Value* data = util::member(&response, "data");
             const bool hasData = data != nullptr && data->dictionary() != nullptr && !data->dictionary()->empty();
-            if (util::integerOf(util::member(&response, "code")) != kOk || !hasData) return;
+            if (!service::HVRequstHelper::isAccepted(response) || !hasData) return;
             downloadP12WithUrl(to, util::textOf(util::member(data, "download_url")).value_or(""),
                                util::textOf(util::member(data, "ad_cert_password")), userName);
         },

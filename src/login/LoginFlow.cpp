@@ -20,7 +20,6 @@ namespace halvane::login {
 
 namespace {
 
-constexpr int kOk = 200;
 constexpr std::chrono::milliseconds kAutoLoginDelay{100};
 constexpr const char* kIsAutoLogin = "HDCL_ISAUTOLOGIN";
 constexpr const char* kIsRemePassword = "HDCL_ISREMEPASSWORD";
@@ -147,7 +146,7 @@ void LoginFlow::loginAnswered(const util::Value& response) {
     to_.log.write("登陆成功" + util::Json::encode(util::redacted(response)));
     // Before the code is looked at: what was typed last is what the next start offers, refused or not.
     writeUsernamePassWordToKeyChain();
-    if (util::integerOf(util::member(&response, "code")) != kOk) {
+    if (!service::HVRequstHelper::isAccepted(response)) {
         if (const auto msg = util::textOf(util::member(&response, "msg"))) screen_.setTip(*msg);
         return;
     }

@@ -11,6 +11,11 @@ constexpr int kGet = 0;
 constexpr int kPost = 1;
 }  // namespace
 
+bool HVRequstHelper::isAccepted(const util::Value& response) {
+    constexpr int kOk = 200;
+    return util::integerOf(util::member(&response, "code")) == kOk;
+}
+
 HVRequstHelper::HVRequstHelper(APIClient& client, std::string baseUrl) : client_(client), baseUrl_(std::move(baseUrl)) {}
 
 std::string HVRequstHelper::urlOf(const std::string& path) const { return baseUrl_ + "/" + path; }

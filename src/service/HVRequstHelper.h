@@ -17,6 +17,9 @@ public:
     using Downloaded = std::function<void(const std::string& fileUrl)>;
     using Failure = std::function<void(const std::optional<util::Error>& error)>;  ///< absent: no network
 
+    /// Whether the server did what it was asked for: the reply's "code" reads as 200.
+    [[nodiscard]] static bool isAccepted(const util::Value& response);
+
     /// `baseUrl`: scheme and host, no trailing slash.
     HVRequstHelper(APIClient& client, std::string baseUrl);
 

@@ -16,16 +16,14 @@ namespace {
 using Reply = UninstallAuthorisation::Reply;
 using Kind = Reply::Kind;
 
-constexpr int kOk = 200;
-
-bool isAccepted(const util::Value& response) { return util::integerOf(util::member(&response, "code")) == kOk; }
+using service::HVRequstHelper;
 
 std::optional<Reply> codeReply(const util::Value& response) {
-    return isAccepted(response) ? std::optional(Reply{Kind::CodeSent, "安全码已发送至您的工作手机或邮箱"}) : std::nullopt;
+    return HVRequstHelper::isAccepted(response) ? std::optional(Reply{Kind::CodeSent, "安全码已发送至您的工作手机或邮箱"}) : std::nullopt;
 }
 
 std::optional<Reply> verdict(const util::Value& response) {
-    if (isAccepted(response)) return Reply{Kind::Authorised, "卸载成功"};
+    if (HVRequstHelper::isAccepted(response)) return Reply{Kind::Authorised, "卸载成功"};
     return Reply{Kind::Refused, util::printed(util::textOf(util::member(&response, "msg")))};
 }
 

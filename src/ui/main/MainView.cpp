@@ -25,7 +25,6 @@ namespace {
 using C = HDCLUICenter;
 
 constexpr int kMenuWidth = 200;
-constexpr int kSuccess = 200;
 
 }  // namespace
 
@@ -57,7 +56,7 @@ void MainView::configUserInfo() {
 void MainView::requestWorkAddress() {
     const auto save = [&workplaces = collaborators_.workplaces](const util::Value& response) {
         const util::Value* payload = util::member(&response, "data");
-        if (util::integerOf(util::member(&response, "code")) != kSuccess || !payload) return;
+        if (!service::HVRequstHelper::isAccepted(response) || !payload) return;
         const util::Value* list = util::member(payload, "work_address_list");
         if (list && list->list()) workplaces.saveWorkAddressInfoWithData(*list->list());
     };
