@@ -9,6 +9,7 @@ public:
     ChartWindow(double length, double least) : length_(length), least_(least), width_(length) {}
 
     [[nodiscard]] double left() const { return left_; }
+    [[nodiscard]] double width() const { return width_; }
     [[nodiscard]] double right() const { return left_ + width_; }
     [[nodiscard]] bool showsAll() const { return width_ >= length_; }
     /// Whether zooming in changes nothing any more.

@@ -35,8 +35,6 @@ public:
 
     CpuWave();
 
-    /// Empties the list of samples but for the zeros that lead it.
-    void restart();
     /// One more sample, in percent. The list begins anew when it holds more than fifty.
     void add(float usage);
     /// Writes the list at the sweep's place and moves the sweep on.
@@ -54,6 +52,8 @@ public:
     [[nodiscard]] std::vector<Run> runs() const;
 
 private:
+    /// Empties the list of samples but for the zeros that lead it.
+    void restart();
     void color(std::size_t from, Color color);
     void rebuildPoints();
 

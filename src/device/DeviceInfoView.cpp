@@ -88,7 +88,6 @@ void DeviceInfoView::requestSummary() {
 }
 
 void DeviceInfoView::runWave() {
-    wave_.restart();
     to_.sampler.startCollectInfo();
     to_.sampler.setCpuUsagePercentage([self = QPointer(this)](float usage) {
         if (self) self->tick(usage);
@@ -136,9 +135,9 @@ QString DeviceInfoView::description() const {
 }
 
 void DeviceInfoView::refresh() {
-    if (disk_) updateDataWithUsed(*disk_, *diskView);
-    if (memory_) updateDataWithUsed(*memory_, *memoryView);
     if (!usage_) return;
+    updateDataWithUsed(disk_, *diskView);
+    updateDataWithUsed(memory_, *memoryView);
     cpuLabel->setWholeText(QString::fromStdString(fmt::format("cpu占用：{:.0f} %", *usage_)));
     lineChartView->setDescription(description());
     lineChartView->setData(wave_);

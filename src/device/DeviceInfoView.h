@@ -70,9 +70,9 @@ private:
 
     Collaborators to_;
     CpuWave wave_;
-    std::optional<float> usage_;  ///< absent before the first sample
-    std::optional<Filling> disk_;
-    std::optional<Filling> memory_;
+    std::optional<float> usage_;  ///< absent before the first sample; until then the two below are nothing either
+    Filling disk_;
+    Filling memory_;
     bool seen_ = false;
 
     ui::ImageView* computerView = nullptr;

@@ -73,7 +73,6 @@ void HardwareSummaryView::setSummary(const util::StyledText& summary) {
 
 void HardwareSummaryView::paintEvent(QPaintEvent* event) {
     QLabel::paintEvent(event);
-    if (!ring_.isShown()) return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     ring_.paint(painter, rect());

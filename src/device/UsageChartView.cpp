@@ -44,21 +44,10 @@ constexpr int kLongestPause = 50;    // milliseconds between the last move and l
 }  // namespace
 
 UsageChartView::UsageChartView(QWidget* parent)
-    : QChartView(parent), xTexts_(std::vector<std::string>(CpuWave::kPoints)), shownPart_(kLength, kLeast) {
+    : BareChartView(parent), xTexts_(std::vector<std::string>(CpuWave::kPoints)), shownPart_(kLength, kLeast) {
     setObjectName(QStringLiteral("lineChartView"));
     setAccessibleName(QStringLiteral("cpu占用曲线"));
-    setRenderHint(QPainter::Antialiasing);
-    setFrameShape(QFrame::NoFrame);
-    setBackgroundBrush(C::colorSub);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setInteractive(false);
     setFocusPolicy(Qt::TabFocus);
-    chart()->legend()->hide();
-    chart()->setBackgroundVisible(false);
-    chart()->setMargins({});
-    chart()->layout()->setContentsMargins(0, 0, 0, 0);
-    chart()->setAnimationOptions(QChart::NoAnimation);
     setUpAxes();
 }
 
@@ -132,16 +121,14 @@ void UsageChartView::applyShownPart() {
     }
 }
 
-double UsageChartView::pointsToPixel() const {
-    return (shownPart_.right() - shownPart_.left()) / std::max(chart()->plotArea().width(), 1.0);
-}
+double UsageChartView::pointsToPixel() const { return shownPart_.width() / std::max(chart()->plotArea().width(), 1.0); }
 
 double UsageChartView::positionOf(const QPointF& place) const {
     return shownPart_.left() + (place.x() - chart()->plotArea().left()) * pointsToPixel();
 }
 
 void UsageChartView::resizeEvent(QResizeEvent* event) {
-    QChartView::resizeEvent(event);
+    BareChartView::resizeEvent(event);
     // On half pixels and in steps of whole ones the grid is crisp, and nothing moves with the width of a text.
     const int step = std::max((height() - kAbove - kBelow) / (kLabels - 1), 1);
     chart()->setPlotArea(QRectF(kLeft - 0.5, kAbove + 0.5, width() - kLeft - kRight, step * (kLabels - 1)));
@@ -158,15 +145,13 @@ void UsageChartView::drawForeground(QPainter* painter, const QRectF& /*rect*/) {
         const double part = static_cast<double>(label) / (kLabels - 1);
         const QRectF beside(0, plot.bottom() - part * plot.height() - kTextHeight / 2.0, plot.left() - kTextGap, kTextHeight);
         painter->drawText(beside, Qt::AlignRight | Qt::AlignVCenter, QString::fromStdString(yTexts_.stringForValue(kHighest * part)));
-        const QString below =
-            QString::fromStdString(xTexts_.stringForValue(shownPart_.left() + part * (shownPart_.right() - shownPart_.left())));
+        const QString below = QString::fromStdString(xTexts_.stringForValue(shownPart_.left() + part * shownPart_.width()));
         if (!below.isEmpty()) painter->drawText(QPointF(plot.left() + part * plot.width(), plot.bottom() + kTextHeight), below);
     }
 }
 
 void UsageChartView::paintEvent(QPaintEvent* event) {
-    QChartView::paintEvent(event);
-    if (!ring_.isShown()) return;
+    BareChartView::paintEvent(event);
     QPainter painter(viewport());
     painter.setRenderHint(QPainter::Antialiasing);
     ring_.paint(painter, viewport()->rect());
@@ -184,7 +169,7 @@ void UsageChartView::mousePressEvent(QMouseEvent* event) {
 
 void UsageChartView::mouseMoveEvent(QMouseEvent* event) {
     // The release may have gone elsewhere, with the page hidden meanwhile.
-    if (dragging_ && !(event->buttons() & Qt::LeftButton)) dragging_ = false;
+    dragging_ = dragging_ && event->buttons().testFlag(Qt::LeftButton);
     if (!dragging_) return;
     const double moved = event->position().x() - std::exchange(dragX_, event->position().x());
     speed_ = moved * kFrame / std::max<double>(static_cast<double>(sinceMove_.restart()), 1);
@@ -199,7 +184,7 @@ void UsageChartView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void UsageChartView::timerEvent(QTimerEvent* event) {
-    if (event->timerId() != glide_.timerId()) return QChartView::timerEvent(event);
+    if (event->timerId() != glide_.timerId()) return BareChartView::timerEvent(event);
     speed_ *= kFriction;
     if (std::abs(speed_) < kStandstill) return glide_.stop();
     move(-speed_ * pointsToPixel());
@@ -221,8 +206,8 @@ void UsageChartView::wheelEvent(QWheelEvent* event) {
 }
 
 void UsageChartView::keyPressEvent(QKeyEvent* event) {
-    const double middle = (shownPart_.left() + shownPart_.right()) / 2;
-    const double step = (shownPart_.right() - shownPart_.left()) * kKeyStep;
+    const double middle = shownPart_.left() + shownPart_.width() / 2;
+    const double step = shownPart_.width() * kKeyStep;
     switch (event->key()) {
         case Qt::Key_Plus:
         case Qt::Key_Equal:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "device/BareChartView.h"
 #include "device/ChartWindow.h"
 #include "device/CpuWave.h"
 #include "device/DateValueFormatter.h"
@@ -8,7 +9,6 @@
 #include "ui/widgets/SelfDescribing.h"
 
 #include <QBasicTimer>
-#include <QChartView>
 #include <QElapsedTimer>
 #include <QList>
 
@@ -20,7 +20,7 @@ namespace halvane::device {
 /// Line chart of the processors' usage, from 0 to 100 per cent. A double click zooms in along the line, until
 /// the next one shows all again; a drag moves along it and glides on a little. By keyboard: plus, minus, the
 /// arrow keys, and Escape for all. The wheel does as plus and minus. Main thread.
-class UsageChartView final : public QChartView, public ui::SelfDescribing {
+class UsageChartView final : public BareChartView, public ui::SelfDescribing {
 public:
     explicit UsageChartView(QWidget* parent);
 

@@ -1,9 +1,10 @@
 #include "device/UsageRingView.h"
 
+#include "device/BareChartView.h"
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/HDCLUICenter.h"
 
-#include <QChartView>
+#include <QChart>
 #include <QLabel>
 #include <QPainter>
 #include <QPieSeries>
@@ -40,7 +41,7 @@ QPieSeries* addSeries(QChart& chart, int slices) {
 UsageRingView::UsageRingView(const QString& title, QWidget* parent)
     : QWidget(parent),
       titleLabel(new ui::ElidedLabel(title, C::font(C::Type::Body), C::colorText1, this)),
-      pieChartView(new QChartView(this)),
+      pieChartView(new BareChartView(this)),
       centerLabel(new QLabel(QStringLiteral("xx.xxGB \nxx.xxGB"), this)) {
     titleLabel->setObjectName(QStringLiteral("titleLabel"));
     centerLabel->setObjectName(QStringLiteral("centerLabel"));
@@ -53,18 +54,9 @@ UsageRingView::UsageRingView(const QString& title, QWidget* parent)
 
 void UsageRingView::setUpRing() {
     pieChartView->setObjectName(QStringLiteral("pieChartView"));
-    pieChartView->setRenderHint(QPainter::Antialiasing);
-    pieChartView->setFrameShape(QFrame::NoFrame);
-    pieChartView->setBackgroundBrush(C::colorSub);
-    pieChartView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    pieChartView->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     pieChartView->setFocusPolicy(Qt::NoFocus);
-    pieChartView->setInteractive(false);
     pieChartView->setAttribute(Qt::WA_TransparentForMouseEvents);
     QChart& chart = *pieChartView->chart();
-    chart.legend()->hide();
-    chart.setBackgroundVisible(false);
-    chart.setAnimationOptions(QChart::NoAnimation);
     // A whole ring beneath, which is seen while there is nothing to divide.
     addSeries(chart, 1)->slices().constFirst()->setValue(1);
     parts_ = addSeries(chart, 2);

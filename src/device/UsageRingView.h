@@ -4,7 +4,6 @@
 
 #include <QWidget>
 
-class QChartView;
 class QLabel;
 class QPieSeries;
 
@@ -13,6 +12,8 @@ class ElidedLabel;
 }
 
 namespace halvane::device {
+
+class BareChartView;
 
 /// A card with a ring: how much of something is used, with its size in the middle. Main thread.
 class UsageRingView final : public QWidget, public ui::SelfDescribing {
@@ -39,7 +40,7 @@ private:
     void setUpRing();
 
     ui::ElidedLabel* titleLabel;
-    QChartView* pieChartView;
+    BareChartView* pieChartView;
     QPieSeries* parts_;
     QLabel* centerLabel;
 };
