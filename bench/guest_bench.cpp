@@ -4,6 +4,7 @@
 #include "linux/PropertyListPreferences.h"
 #include "linux/XdgDirectories.h"
 #include "session/HDCLUserConfig.h"
+#include "support/TemporaryDirectory.h"
 #include "util/Log.h"
 
 #include <unistd.h>
@@ -37,16 +38,8 @@ struct Silence final : halvane::util::Log {
 class Home {
 public:
     explicit Home(bool signedIn) {
-        path_ = (std::filesystem::temp_directory_path() / "halvane-bench-XXXXXX").string();
-        if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("no home directory");
         if (signedIn) signIn();
     }
-    ~Home() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    Home(const Home&) = delete;
-    Home& operator=(const Home&) = delete;
 
     [[nodiscard]] std::vector<std::string> environment() const {
         const char* path = std::getenv("PATH");
@@ -77,7 +70,8 @@ private:
         preferences.flush();
     }
 
-    std::string path_;
+    const halvane::test::TemporaryDirectory directory_;
+    const std::string path_ = directory_.path();
 };
 
 /// One program on its display, and what it cost since a moment.

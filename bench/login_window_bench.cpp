@@ -1,5 +1,6 @@
 #include "BenchMain.h"
 #include "WindowProbe.h"
+#include "support/TemporaryDirectory.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -44,13 +45,12 @@ void report(const char* what, const char* unit, const std::vector<WindowProbe::S
 int run(const std::filesystem::path& directory) {
     constexpr int kRounds = 11;
     constexpr double kMebibyte = 1024.0 * 1024.0;
-    std::string home = (std::filesystem::temp_directory_path() / "halvane-bench-XXXXXX").string();
-    if (mkdtemp(home.data()) == nullptr) return 1;
+    const halvane::test::TemporaryDirectory home;
     std::vector<WindowProbe::Start> ours;
     std::vector<WindowProbe::Start> peers;
     {
         WindowProbe probe;
-        const auto environment = surroundings(home);
+        const auto environment = surroundings(home.path());
         for (int round = 0; round <= kRounds; ++round) {
             const auto peer = probe.measure({directory / "minimal_window"}, environment);
             const auto our = probe.measure({directory / "halvane"}, environment);
@@ -59,7 +59,6 @@ int run(const std::filesystem::path& directory) {
             ours.push_back(our);
         }
     }
-    std::filesystem::remove_all(home);
     report(
         "first paint", "ms", ours, peers, [](const auto& start) { return start.firstPaint; }, 1.4);
     report(

@@ -6,6 +6,7 @@
 #include "device/UsageChartView.h"
 #include "device/UsageRingView.h"
 #include "platform/DispatchQueue.h"
+#include "ui/widgets/CardGround.h"
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/HDCLUICenter.h"
 #include "ui/widgets/ImageView.h"
@@ -181,10 +182,7 @@ void DeviceInfoView::resizeEvent(QResizeEvent*) {
 void DeviceInfoView::paintEvent(QPaintEvent* event) {
     PageView::paintEvent(event);
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(C::colorSub);
-    painter.drawRoundedRect(cpuCard(), C::radiusCard, C::radiusCard);
+    ui::CardGround::paint(painter, cpuCard());
 }
 
 }  // namespace halvane::device

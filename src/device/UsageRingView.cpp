@@ -1,6 +1,7 @@
 #include "device/UsageRingView.h"
 
 #include "device/BareChartView.h"
+#include "ui/widgets/CardGround.h"
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/HDCLUICenter.h"
 
@@ -92,10 +93,7 @@ void UsageRingView::resizeEvent(QResizeEvent*) {
 
 void UsageRingView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(C::colorSub);
-    painter.drawRoundedRect(rect(), C::radiusCard, C::radiusCard);
+    ui::CardGround::paint(painter, rect());
 }
 
 }  // namespace halvane::device

@@ -1,5 +1,6 @@
 #include "tools/RemoteAssistanceView.h"
 
+#include "ui/widgets/CardGround.h"
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/FilledButton.h"
 #include "ui/widgets/HDCLUICenter.h"
@@ -108,10 +109,7 @@ void RemoteAssistanceView::place() {
 void RemoteAssistanceView::paintEvent(QPaintEvent* event) {
     ToolPanelView::paintEvent(event);
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(C::colorSub);
-    for (const QRect& half : {localHalf(), remoteHalf()}) painter.drawRoundedRect(half, C::radiusCard, C::radiusCard);
+    for (const QRect& half : {localHalf(), remoteHalf()}) ui::CardGround::paint(painter, half);
 }
 
 }  // namespace halvane::tools

@@ -1,6 +1,7 @@
 #include "tools/SecurityCheckView.h"
 
 #include "ui/widgets/BorderedButton.h"
+#include "ui/widgets/CardGround.h"
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/FilledButton.h"
 #include "ui/widgets/HDCLUICenter.h"
@@ -110,10 +111,7 @@ void SecurityCheckView::resizeEvent(QResizeEvent*) {
 void SecurityCheckView::paintEvent(QPaintEvent* event) {
     PageView::paintEvent(event);
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(C::colorSub);
-    for (std::size_t index = 0; index < rows_.size(); ++index) painter.drawRoundedRect(rowRect(index), C::radiusCard, C::radiusCard);
+    for (std::size_t index = 0; index < rows_.size(); ++index) ui::CardGround::paint(painter, rowRect(index));
 }
 
 }  // namespace halvane::tools

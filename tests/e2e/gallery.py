@@ -4,19 +4,15 @@
 Runs the client beside the company server on a virtual desktop, as the journey does, and goes through it with
 the pointer. --scale 2 shows everything at 200 %.
 """
-import argparse
-import shutil
 import subprocess
 import sys
-import tempfile
 import time
 from pathlib import Path
 
 from client import LOGIN_SIZE, Client, LoginWindow
-from company import Company
-from desktop import Desktop
 from main_window import PANEL_SIZE, SETTINGS_SIZE, MainWindow
-from processes import Failed, Processes, end_after, wait_for
+from processes import wait_for
+from stage import options_of, perform
 
 LONGEST = 180
 SETTLING = 0.4  # seconds until fades and pointers have come to rest
@@ -124,39 +120,23 @@ class Gallery:
                         "-tile", "4x" if len(chosen) > 8 else "2x", "-define", "png:compression-level=9", f"png24:{file}"], check=True)
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--build", type=Path, required=True, help="build directory with bin/, libexec/ and share/")
-    parser.add_argument("--pictures", type=Path, required=True, help="directory for the pictures, emptied first")
+def add_options(parser):
     parser.add_argument("--sheet", type=Path, help="file for all of them together")
     parser.add_argument("--only", nargs="*", default=[], help="what the sheet shows, such as menu uninstall")
     parser.add_argument("--scale", type=int, default=1)
-    options = parser.parse_args()
-    pictures = options.pictures.resolve()
-    shutil.rmtree(pictures, ignore_errors=True)
-    pictures.mkdir(parents=True)
-    end_after(LONGEST)
-    processes = Processes(pictures / "logs")
-    build = options.build.resolve()
-    with tempfile.TemporaryDirectory(prefix="halvane-gallery-", ignore_cleanup_errors=True) as folder:
-        try:
-            desktop = Desktop(processes, folder, options.scale, size=(1920, 1080))
-            desktop.start()
-            company = Company(processes, build / "bin/halvane-server", folder, desktop.env)
-            company.start()
-            gallery = Gallery(processes, desktop, Client(processes, desktop, company, build), company, pictures)
-            gallery.walk()
-            if options.sheet:
-                gallery.sheet(options.sheet, options.only)
-        except (Failed, OSError, subprocess.CalledProcessError) as problem:
-            print(f"✗ {problem}")
-            for name, lines in processes.tails():
-                print(f"--- {name}", *lines, sep="\n")
-            return 1
-        finally:
-            processes.end_all()
-    print(f"pictures: {pictures}")
-    return 0
+
+
+def main():
+    options = options_of(__doc__, add_options)
+
+    def play(processes, desktop, company, _folder):
+        gallery = Gallery(processes, desktop, Client(processes, desktop, company, options.build), company, options.pictures)
+        gallery.walk()
+        if options.sheet:
+            gallery.sheet(options.sheet, options.only)
+        return True
+
+    return perform(options, LONGEST, play, scale=options.scale, size=(1920, 1080))
 
 
 if __name__ == "__main__":

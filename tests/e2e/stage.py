@@ -2,6 +2,7 @@
 import argparse
 import contextlib
 import shutil
+import subprocess
 import tempfile
 import time
 from pathlib import Path
@@ -11,10 +12,11 @@ from desktop import Desktop
 from processes import Failed, Processes, end_after
 
 
-def options_of(description):
+def options_of(description, add_more=lambda parser: None):
     parser = argparse.ArgumentParser(description=description, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--build", type=Path, required=True, help="build directory with bin/, libexec/ and share/")
     parser.add_argument("--pictures", type=Path, required=True, help="directory for the pictures, emptied first")
+    add_more(parser)
     options = parser.parse_args()
     options.build, options.pictures = options.build.resolve(), options.pictures.resolve()
     shutil.rmtree(options.pictures, ignore_errors=True)
@@ -38,7 +40,7 @@ def take(steps, photograph):
     return True
 
 
-def perform(options, longest, play):
+def perform(options, longest, play, **desktop_options):
     """`play(processes, desktop, company, folder)` tells whether all went well. The exit code."""
     began = time.monotonic()
     end_after(longest)
@@ -46,12 +48,12 @@ def perform(options, longest, play):
     good = False
     with tempfile.TemporaryDirectory(prefix="halvane-stage-", ignore_cleanup_errors=True) as folder:
         try:
-            desktop = Desktop(processes, folder)
+            desktop = Desktop(processes, folder, **desktop_options)
             desktop.start()
             company = Company(processes, options.build / "bin/halvane-server", folder, desktop.env)
             company.start()
             good = play(processes, desktop, company, folder)
-        except (Failed, OSError) as problem:
+        except (Failed, OSError, subprocess.CalledProcessError) as problem:
             print(f"✗ {problem}")
         finally:
             processes.end_all()
