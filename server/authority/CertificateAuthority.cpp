@@ -19,6 +19,14 @@ constexpr std::chrono::hours kAuthorityLifetime{24 * 365 * 10};
 constexpr std::chrono::minutes kBackdated{10};
 constexpr int kIterations = 10'000;
 
+util::Bytes pemOf(EVP_PKEY& key, X509& certificate) {
+    const BioPtr pem(BIO_new(BIO_s_mem()));
+    require(pem && PEM_write_bio_PKCS8PrivateKey(pem.get(), &key, nullptr, nullptr, 0, nullptr, nullptr) == 1 &&
+                PEM_write_bio_X509(pem.get(), &certificate) == 1,
+            "write a key and its certificate");
+    return contentOf(pem.get());
+}
+
 /// Key and certificate of a new authority, PEM.
 util::Bytes makeAuthority(Time now) {
     const KeyPtr key = makeKey();
@@ -27,11 +35,7 @@ util::Bytes makeAuthority(Time now) {
     builder.addExtension(NID_key_usage, "critical,keyCertSign,cRLSign");
     builder.addExtension(NID_subject_key_identifier, "hash");
     const X509Ptr certificate = std::move(builder).sign(*key);
-    const BioPtr pem(BIO_new(BIO_s_mem()));
-    require(pem && PEM_write_bio_PKCS8PrivateKey(pem.get(), key.get(), nullptr, nullptr, 0, nullptr, nullptr) == 1 &&
-                PEM_write_bio_X509(pem.get(), certificate.get()) == 1,
-            "write the authority's key");
-    return contentOf(pem.get());
+    return pemOf(*key, *certificate);
 }
 
 util::Bytes packed(const std::string& name, const std::string& password, EVP_PKEY& key, X509& certificate, X509& authority) {
@@ -70,18 +74,36 @@ CertificateAuthority::Identity CertificateAuthority::issue(const Subject& subjec
     const Time notAfter = now + kCertificateLifetime;
     const KeyPtr key = makeKey();
     CertificateBuilder builder(subject.shortName, *key, now - kBackdated, notAfter);
-    builder.setIssuer(*certificate_);
-    builder.addExtension(NID_basic_constraints, "critical,CA:FALSE");
-    builder.addExtension(NID_key_usage, "critical,digitalSignature");
-    builder.addExtension(NID_ext_key_usage, "clientAuth");
-    builder.addExtension(NID_subject_key_identifier, "hash");
-    builder.addExtension(NID_authority_key_identifier, "keyid:always");
+    describe(builder, "clientAuth");
     builder.addEmail(subject.email);
     const X509Ptr certificate = std::move(builder).sign(*key_);
 
     Identity identity{.password = Random::password(), .serial = serialOf(*certificate), .notAfter = notAfter};
     identity.pkcs12 = packed(subject.shortName, identity.password, *key, *certificate, *certificate_);
     return identity;
+}
+
+std::string CertificateAuthority::issueAuthenticator(const std::string& hostName, Time now) const {
+    const KeyPtr key = makeKey();
+    CertificateBuilder builder(hostName, *key, now - kBackdated, now + kCertificateLifetime);
+    describe(builder, "serverAuth");
+    builder.addHostName(hostName);
+    return pemOf(*key, *std::move(builder).sign(*key_));
+}
+
+void CertificateAuthority::describe(CertificateBuilder& builder, const char* usage) const {
+    builder.setIssuer(*certificate_);
+    builder.addExtension(NID_basic_constraints, "critical,CA:FALSE");
+    builder.addExtension(NID_key_usage, "critical,digitalSignature");
+    builder.addExtension(NID_ext_key_usage, usage);
+    builder.addExtension(NID_subject_key_identifier, "hash");
+    builder.addExtension(NID_authority_key_identifier, "keyid:always");
+}
+
+util::Bytes CertificateAuthority::certificateDer() const {
+    const BioPtr der(BIO_new(BIO_s_mem()));
+    require(der && i2d_X509_bio(der.get(), certificate_.get()) == 1, "write the authority's certificate");
+    return contentOf(der.get());
 }
 
 std::string CertificateAuthority::certificatePem() const {

@@ -72,17 +72,21 @@ void CertificateBuilder::addExtension(int nid, const char* value) {
     require(extension != nullptr && X509_add_ext(certificate_.get(), extension.get(), -1) == 1, "add a certificate's extension");
 }
 
-void CertificateBuilder::addEmail(const std::string& address) {
-    // Built by hand: in the configuration syntax a comma in the address would begin another name.
+void CertificateBuilder::addEmail(const std::string& address) { addName(GEN_EMAIL, address); }
+
+void CertificateBuilder::addHostName(const std::string& name) { addName(GEN_DNS, name); }
+
+void CertificateBuilder::addName(int kind, const std::string& content) {
+    // Built by hand: in the configuration syntax a comma in the text would begin another name.
     const std::unique_ptr<GENERAL_NAMES, OpenSslDeleter<GENERAL_NAMES_free>> names(GENERAL_NAMES_new());
     std::unique_ptr<GENERAL_NAME, OpenSslDeleter<GENERAL_NAME_free>> name(GENERAL_NAME_new());
     std::unique_ptr<ASN1_IA5STRING, OpenSslDeleter<ASN1_IA5STRING_free>> text(ASN1_IA5STRING_new());
-    require(names && name && text && ASN1_STRING_set(text.get(), address.data(), static_cast<int>(address.size())) == 1,
-            "set a mail address");
-    GENERAL_NAME_set0_value(name.get(), GEN_EMAIL, text.release());
-    require(sk_GENERAL_NAME_push(names.get(), name.get()) > 0, "set a mail address");
+    require(names && name && text && ASN1_STRING_set(text.get(), content.data(), static_cast<int>(content.size())) == 1,
+            "set an alternative name");
+    GENERAL_NAME_set0_value(name.get(), kind, text.release());
+    require(sk_GENERAL_NAME_push(names.get(), name.get()) > 0, "set an alternative name");
     static_cast<void>(name.release());
-    require(X509_add1_ext_i2d(certificate_.get(), NID_subject_alt_name, names.get(), 0, 0) == 1, "set a mail address");
+    require(X509_add1_ext_i2d(certificate_.get(), NID_subject_alt_name, names.get(), 0, 0) == 1, "set an alternative name");
 }
 
 X509Ptr CertificateBuilder::sign(EVP_PKEY& issuerKey) && {

@@ -17,10 +17,14 @@ public:
     void setIssuer(X509& issuer);
     /// `value` in the library's configuration syntax, "critical," included; it must not come from outside.
     void addExtension(int nid, const char* value);
+    /// Alternative names of the subject; one of the two, once.
     void addEmail(const std::string& address);
+    void addHostName(const std::string& name);
     [[nodiscard]] X509Ptr sign(EVP_PKEY& issuerKey) &&;
 
 private:
+    void addName(int kind, const std::string& text);
+
     X509Ptr certificate_;
     X509* issuer_ = nullptr;
 };

@@ -12,7 +12,7 @@ namespace {
 
 std::vector<Command> allCommands() {
     std::vector<Command> commands;
-    for (auto&& group : {serverCommands(), userCommands(), computerCommands(), workplaceCommands(), mailCommands()}) {
+    for (auto&& group : {serverCommands(), userCommands(), computerCommands(), workplaceCommands(), mailCommands(), networkCommands()}) {
         commands.insert(commands.end(), group.begin(), group.end());
     }
     return commands;

@@ -11,5 +11,6 @@ std::vector<Command> userCommands();       ///< user add|list|passwd|remove
 std::vector<Command> computerCommands();   ///< computer list|lock|unlock|lost|found
 std::vector<Command> workplaceCommands();  ///< workplace add|list|remove
 std::vector<Command> mailCommands();       ///< mail list|show
+std::vector<Command> networkCommands();    ///< radius-cert, profile
 
 }  // namespace halvane::server

@@ -29,9 +29,12 @@ Surroundings Surroundings::ofThisProcess() {
     std::error_code unreadable;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", unreadable);
     const auto prefix = program.parent_path().parent_path();
-    const std::string toolRoot = variable("HALVANE_TOOL_ROOT");
-    return {.toolRoot = toolRoot.empty() ? prefix / "libexec/halvane" : std::filesystem::path(toolRoot),
-            .resources = prefix / "share/halvane",
+    const auto chosen = [](const char* name, const std::filesystem::path& otherwise) {
+        const std::string path = variable(name);
+        return path.empty() ? otherwise : std::filesystem::path(path);
+    };
+    return {.toolRoot = chosen("HALVANE_TOOL_ROOT", prefix / "libexec/halvane"),
+            .resources = chosen("HALVANE_RESOURCES", prefix / "share/halvane"),
             .server = variable("HALVANE_SERVER"),
             .language = desktopLanguage()};
 }

@@ -2,18 +2,28 @@
 
 namespace halvane::linux {
 
-GioCalls::GioCalls(std::chrono::milliseconds deadline)
-    : context_(g_main_context_new()),
-      cancellable_(g_cancellable_new()),
-      timer_(g_timeout_source_new(static_cast<guint>(deadline.count()))) {
+GioCalls::GioCalls(std::chrono::milliseconds deadline) : context_(g_main_context_new()), cancellable_(g_cancellable_new()) {
     g_main_context_push_thread_default(context_);
+    allow(deadline);
+}
+
+void GioCalls::allow(std::chrono::milliseconds time) {
+    stopTimer();
+    g_cancellable_reset(cancellable_.get());
+    timer_ = g_timeout_source_new(static_cast<guint>(time.count()));
     g_source_set_callback(timer_, &GioCalls::onDeadline, this, nullptr);
     g_source_attach(timer_, context_);
 }
 
-GioCalls::~GioCalls() {
+void GioCalls::stopTimer() {
+    if (timer_ == nullptr) return;
     g_source_destroy(timer_);
     g_source_unref(timer_);
+    timer_ = nullptr;
+}
+
+GioCalls::~GioCalls() {
+    stopTimer();
     // What the calls left to be released later is released now; bounded, should it go on and on.
     for (int i = 0; i < 1000 && g_main_context_iteration(context_, FALSE) != FALSE; ++i) {
     }

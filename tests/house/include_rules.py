@@ -28,8 +28,8 @@ WIDGETS = "ui/widgets"
 DOORS = {
     "libcurl": (r"^curl/", ("src/linux/http/",)),
     "libsecret": (r"^libsecret/", ("src/linux/SecretStore.",)),
-    "libnm": (r"^(NetworkManager|nm-[\w-]+)\.h$|^libnm/", ("src/linux/", "src/systools/profiles/")),
-    "GIO": (r"^(gio|glib|glib-object|gobject)[/.]", ("src/linux/", "src/systools/profiles/")),
+    "libnm": (r"^(NetworkManager|nm-[\w-]+)\.h$|^libnm/", ("src/linux/", "src/systools/network/")),
+    "GIO": (r"^(gio|glib|glib-object|gobject)[/.]", ("src/linux/", "src/systools/network/")),
     "sd-bus and sd-journal": (r"^systemd/", ("src/linux/",)),
     "Asio": (r"^asio(/|\.hpp)", ("src/linux/AsioDispatchQueue",)),
     "xcb": (r"^xcb/", ("src/qt/",)),

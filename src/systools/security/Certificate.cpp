@@ -4,10 +4,13 @@
 #include "util/Text.h"
 
 #include <openssl/evp.h>
+#include <openssl/pem.h>
 #include <openssl/x509.h>
+#include <openssl/x509v3.h>
 
 #include <algorithm>
 #include <array>
+#include <ctime>
 
 namespace halvane::systools {
 
@@ -52,7 +55,27 @@ util::Result<Certificate> Certificate::parse(const util::Bytes& der) {
     certificate.commonName = commonNameOf(X509_get_subject_name(x509.get()));
     certificate.publicKey = openssl::encoded(X509_get_X509_PUBKEY(x509.get()), i2d_X509_PUBKEY);
     certificate.fingerprint = sha1Digits(der);
+    std::tm ends{};
+    if (ASN1_TIME_to_tm(X509_get0_notAfter(x509.get()), &ends) == 1) certificate.ends = ::timegm(&ends);
+    certificate.isAuthority = X509_check_ca(x509.get()) == 1;
     return certificate;
+}
+
+util::Result<Certificate> Certificate::parseFile(const util::Bytes& bytes) {
+    const openssl::BioPointer text(BIO_new_mem_buf(bytes.data(), static_cast<int>(bytes.size())));
+    const openssl::X509Pointer x509(PEM_read_bio_X509(text.get(), nullptr, nullptr, nullptr));
+    openssl::takeErrors();
+    return parse(x509 ? openssl::encoded(x509.get(), i2d_X509) : bytes);
+}
+
+util::Bytes Certificate::pem() const {
+    const auto* start = reinterpret_cast<const unsigned char*>(der.data());
+    const openssl::X509Pointer x509(d2i_X509(nullptr, &start, static_cast<long>(der.size())));
+    const openssl::BioPointer text(BIO_new(BIO_s_mem()));
+    char* written = nullptr;
+    if (!x509 || !text || PEM_write_bio_X509(text.get(), x509.get()) != 1) return {};
+    const long size = BIO_get_mem_data(text.get(), &written);
+    return {written, static_cast<std::size_t>(size)};
 }
 
 bool isPrintable(const std::string& commonName) {

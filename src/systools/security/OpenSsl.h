@@ -29,6 +29,7 @@ struct ReleaseStack {
 };
 
 using X509Pointer = std::unique_ptr<X509, Release<X509_free>>;
+using BioPointer = std::unique_ptr<BIO, Release<BIO_free_all>>;
 using KeyPointer = std::unique_ptr<EVP_PKEY, Release<EVP_PKEY_free>>;
 using Pkcs8Pointer = std::unique_ptr<PKCS8_PRIV_KEY_INFO, Release<PKCS8_PRIV_KEY_INFO_free>>;
 using Pkcs12Pointer = std::unique_ptr<PKCS12, Release<PKCS12_free>>;

@@ -15,7 +15,8 @@ util::Result<StoreLock> StoreLock::take(const std::filesystem::path& file, std::
     // A blocking call would know no end.
     while (::flock(descriptor.get(), LOCK_EX | LOCK_NB) != 0) {
         if (errno != EWOULDBLOCK && errno != EINTR) return util::fileError(errno, "lock " + file.string());
-        if (std::chrono::steady_clock::now() >= end) return util::serviceError("another program is changing the certificate store");
+        if (std::chrono::steady_clock::now() >= end)
+            return util::serviceError("another program is changing " + file.parent_path().string());
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     return StoreLock(std::move(descriptor));

@@ -8,7 +8,7 @@
 
 namespace halvane::systools {
 
-/// Keeps two programs from changing the certificate store at the same time; released when the object
+/// Keeps two programs from changing one directory, such as the certificate store, at the same time; released when the object
 /// goes, and by the system when the process dies.
 class StoreLock {
 public:

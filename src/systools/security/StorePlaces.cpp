@@ -31,6 +31,7 @@ util::Result<StorePlaces> StorePlaces::find(const Variable& variable, const std:
 
     StorePlaces places;
     places.identities = *data / "halvane/identities";
+    places.profiles = *data / "halvane/profiles";
     places.databases.push_back(*data / "pki/nssdb");
     if (home) places.databases.push_back(*home / ".pki/nssdb");
     std::stable_partition(places.databases.begin(), places.databases.end(), NssDatabase::exists);

@@ -18,6 +18,8 @@ struct StorePlaces {
     std::vector<std::filesystem::path> databases;
     /// The identity files, $XDG_DATA_HOME/halvane/identities.
     std::filesystem::path identities;
+    /// What profiles need beside their connections, $XDG_DATA_HOME/halvane/profiles.
+    std::filesystem::path profiles;
 
     using Variable = std::function<std::optional<std::string>(const char* name)>;
 

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "linux/GioCalls.h"
+#include "systools/network/Libnm.h"
+#include "systools/network/NetworkService.h"
+
+#include <chrono>
+#include <memory>
+
+namespace halvane::systools {
+
+/// NetworkManager, by its own library over the system bus.
+class LibnmNetworkService final : public NetworkService {
+public:
+    /// Error kNoService: no bus, no NetworkManager on it, or one that does not answer.
+    static util::Result<std::unique_ptr<NetworkService>> connect();
+
+    std::vector<Installed> installed(const std::string& owner) override;
+    util::Result<std::string> add(const CompanyConnection& connection) override;
+    util::Result<void> remove(const std::string& handle) override;
+    std::vector<Attempt> join(const std::vector<Installed>& connections, const std::optional<std::string>& interface) override;
+    util::Result<void> leave(const std::string& handle) override;
+    util::Result<void> setWireless(bool on) override;
+
+private:
+    LibnmNetworkService();
+    [[nodiscard]] NMActiveConnection* activeOf(const std::string& handle) const;
+    util::Result<NMDevice*> deviceFor(const Installed& installed, NMConnection& connection, const std::optional<std::string>& interface);
+    bool isInReach(NMDevice& device, const CompanyConnection& connection);
+
+    void giveTime(std::chrono::milliseconds wanted);
+
+    linux::GioCalls calls_;
+    const std::chrono::steady_clock::time_point end_;
+    linux::GObjectPointer<NMClient> client_;
+};
+
+}  // namespace halvane::systools

@@ -1,0 +1,113 @@
+"""A computer in the lab: a system bus, NetworkManager and its supplicant of our own, on one end of the switch's cable."""
+import subprocess
+from pathlib import Path
+
+import users
+from inside import end_with_parent, program
+from processes import expect, output_of, wait_for
+from switch import CABLE, Switch
+
+SYSTEM_BUS = "/run/dbus/system_bus_socket"
+EMPLOYEES = ("chen", "li")
+OWN_ROOMS = ("/run", "/etc/NetworkManager", "/var/lib/NetworkManager", "/etc/polkit-1", "/var/lib/polkit-1")
+CONNECTIONS = Path("/etc/NetworkManager/system-connections")
+
+BUS = """<busconfig><type>system</type><listen>unix:path={0}</listen><listen>unix:path={1}</listen><auth>EXTERNAL</auth>
+<policy context="default"><allow user="*"/><deny own="*"/><deny send_type="method_call"/><allow send_type="signal"/>
+<allow send_requested_reply="true" send_type="method_return"/><allow send_requested_reply="true" send_type="error"/>
+<allow receive_type="method_call"/><allow receive_type="method_return"/><allow receive_type="error"/><allow receive_type="signal"/>
+<allow send_destination="org.freedesktop.DBus" send_interface="org.freedesktop.DBus"/>
+<allow send_destination="org.freedesktop.DBus" send_interface="org.freedesktop.DBus.Introspectable"/>
+<allow send_destination="org.freedesktop.DBus" send_interface="org.freedesktop.DBus.Properties"/></policy>
+<includedir>/usr/share/dbus-1/system.d</includedir><includedir>/etc/dbus-1/system.d</includedir></busconfig>
+"""
+MANAGER = f"""[main]
+plugins=keyfile
+auth-polkit=true
+no-auto-default=*
+dhcp=internal
+dns=none
+rc-manager=unmanaged
+systemd-resolved=false
+hostname-mode=none
+[device-lab]
+match-device=interface-name:{CABLE}
+managed=1
+[connectivity]
+enabled=false
+"""
+# What the stock policy lets somebody do who sits at the computer, for lab sessions do not exist for polkit.
+RULES = """polkit.addRule(function(action, subject) {
+    var own = ["network-control", "enable-disable-wifi", "wifi.scan", "settings.modify.own"];
+    if (own.map(function(each) { return "org.freedesktop.NetworkManager." + each; }).indexOf(action.id) >= 0) return polkit.Result.YES;
+});
+"""
+
+
+class Lab:
+    """To be made inside namespaces (`inside.enter`). Everything ends with `processes`."""
+
+    def __init__(self, processes, folder):
+        self._processes = processes
+        self._folder = Path(folder)
+        self.bus = f"unix:path={self._folder}/bus"
+        self.environment = {"DBUS_SYSTEM_BUS_ADDRESS": self.bus}
+        self.switch = Switch(processes, folder)
+
+    def start(self):
+        for room in OWN_ROOMS:
+            Path(room).mkdir(parents=True, exist_ok=True)
+            subprocess.run(["mount", "-t", "tmpfs", "-o", "mode=755", "lab", room], check=True)
+        subprocess.run(["mount", "-t", "sysfs", "-o", "ro", "sysfs", "/sys"], check=True)
+        users.add_to_this_namespace(self._folder, EMPLOYEES)
+        users.give_sessions([0, *range(users.FIRST_ID, users.FIRST_ID + len(EMPLOYEES))])
+        self.switch.start()
+        self._start_bus()
+        self._start_polkit()
+        self._start_manager()
+
+    def _start(self, name, *command):
+        return self._processes.start(name, command, {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", **self.environment}, preexec_fn=end_with_parent)
+
+    def _start_bus(self):
+        Path(SYSTEM_BUS).parent.mkdir()
+        configuration = self._folder / "bus.conf"
+        configuration.write_text(BUS.format(SYSTEM_BUS, self._folder / "bus"), encoding="utf-8")
+        self._start("bus", "dbus-daemon", f"--config-file={configuration}", "--nofork", "--nopidfile", "--nosyslog")
+        wait_for("the system bus", lambda: Path(SYSTEM_BUS).exists() and (self._folder / "bus").exists())
+
+    def _start_polkit(self):
+        self.set_rules(RULES)
+        self._start("polkitd", "/usr/lib/polkit-1/polkitd", "--no-debug")
+        self.wait_for_name("org.freedesktop.PolicyKit1")
+
+    def set_rules(self, text):
+        """polkitd notices by itself, a moment later."""
+        folder = Path("/etc/polkit-1/rules.d")
+        folder.mkdir(exist_ok=True)
+        (folder / "10-lab.rules").write_text(text, encoding="utf-8")
+
+    def _start_manager(self):
+        Path("/etc/NetworkManager/NetworkManager.conf").write_text(MANAGER, encoding="utf-8")
+        self._start("supplicant", program("wpa_supplicant"), "-u", "-t")
+        self.wait_for_name("fi.w1.wpa_supplicant1")
+        self._start("manager", program("NetworkManager"), "--debug", "--log-level=INFO")
+        self.wait_for_name("org.freedesktop.NetworkManager")
+        wait_for("the cable", lambda: f"{CABLE}:disconnected" in self.nmcli("-t", "-f", "DEVICE,STATE", "device"))
+
+    def wait_for_name(self, name):
+        call = ("dbus-send", f"--bus={self.bus}", "--print-reply", "--dest=org.freedesktop.DBus", "/", "org.freedesktop.DBus.NameHasOwner", f"string:{name}")
+        wait_for(name, lambda: b"true" in output_of(*call))
+
+    def nmcli(self, *words):
+        return output_of(program("nmcli"), *words, env={"LC_ALL": "C.UTF-8", **self.environment}).decode()
+
+    def connections(self):
+        """Names of what NetworkManager keeps."""
+        return [line for line in self.nmcli("-t", "-f", "NAME", "connection").splitlines() if line != "lo"]
+
+    @staticmethod
+    def kept_files():
+        """All that is in NetworkManager's own directories."""
+        expect(Path("/etc/NetworkManager/NetworkManager.conf").exists(), "the rooms are the lab's")
+        return [path for path in CONNECTIONS.parent.rglob("*") if path.is_file() and path.name != "NetworkManager.conf"]
