@@ -8,6 +8,7 @@
 #include "device/HVDeviceUsageInfoManager.h"
 #include "linux/AsioDispatchQueues.h"
 #include "linux/NetworkManagerReachability.h"
+#include "linux/PolkitAuthorization.h"
 #include "linux/PosixFileStore.h"
 #include "linux/PosixProcessLauncher.h"
 #include "linux/PropertyListPreferences.h"
@@ -41,6 +42,16 @@
 
 namespace halvane::app {
 
+namespace {
+
+/// Empty when it was removed under us.
+std::string currentDirectory() {
+    std::error_code gone;
+    return std::filesystem::current_path(gone).string();
+}
+
+}  // namespace
+
 /// In order of making: each stands on those before it.
 struct Services::Parts {
     Parts(const Settings& settings, std::shared_ptr<platform::MainLoop> loop, linux::XdgDirectories places)
@@ -68,6 +79,7 @@ struct Services::Parts {
     linux::LinuxSystemCounters counters{systemFiles};
     linux::LinuxNetworkInterfaces interfaces{systemFiles};
     linux_http::CurlTransport transport;
+    linux::PolkitAuthorization authorization{linux::ToolRoot(Deployment::kInstalledTools), log};
     linux::UnavailableUpdater updater;
     std::unique_ptr<linux::PosixProcessLauncher> launcher;
     linux::NetworkManagerReachability reachability;
@@ -92,7 +104,8 @@ struct Services::Parts {
     device::HVDeviceUsageInfoManager sampler{{*mainLoop, counters, device, log}};
     device::HVDeviceStatusMonitoring monitoring{{mainLoop, *workQueue, user, requests, device}};
     device::CompanyAccess companyAccess{{*toolQueue, device}};
-    tools::HVMobileConfigTool profiles{{files, directories, *launcher, device, log}};
+    tools::HVMobileConfigTool profiles{
+        {files, directories, *launcher, device, log, {authorization, *mainLoop, notifications, log, [] { return currentDirectory(); }}}};
     login::CertificateFetch certificates{{*toolQueue, files, log, user, requests, device, profiles}};
     std::string serverBaseUrl;
 };

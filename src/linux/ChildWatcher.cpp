@@ -43,6 +43,7 @@ class ChildWatcher::State : public std::enable_shared_from_this<State> {
 public:
     void add(Child child) {
         const std::lock_guard lock(mutex_);
+        if (stopping_) return;
         if (!thread_.joinable()) thread_ = std::thread([self = shared_from_this()] { self->run(); });
         arriving_.push_back(std::move(child));
         wake();

@@ -1,37 +1,35 @@
 #pragma once
 
 #include "linux/ChildWatcher.h"
+#include "linux/Descriptor.h"
+#include "linux/ToolRoot.h"
 #include "platform/ProcessLauncher.h"
 
-#include <cstddef>
 #include <filesystem>
 
 namespace halvane::linux {
 
 /// Child processes by posix_spawn, with no signal blocked or ignored.
 ///
-/// A launch path is taken under the tool root when something stands there. The system's own six
-/// tools are looked for nowhere else, since other programs bear their names; every other path is
-/// then taken as it stands. Error codes are those of the system: ENOENT, EACCES, ENOEXEC …
+/// Launch paths go by the ToolRoot. Error codes are those of the system: ENOENT, EACCES, ENOEXEC …
 ///
 /// Any thread. Destroying it, which a termination callback may do, ends no child: callbacks of those
-/// that still run never come.
+/// that still run never come. A callback that reads the output of another tool is not waited for any longer: its reading
+/// ends (ECANCELED), that tool goes on.
 class PosixProcessLauncher final : public platform::ProcessLauncher {
 public:
-    /// A tool that writes more than this is ended, its output refused (EFBIG).
-    static constexpr std::size_t kLargestOutput = std::size_t{64} << 20;
+    explicit PosixProcessLauncher(std::filesystem::path toolRoot);
+    ~PosixProcessLauncher() override;
 
-    explicit PosixProcessLauncher(std::filesystem::path toolRoot) : toolRoot_(std::move(toolRoot)) {}
-
+    /// A tool that writes more than Pipe::kLargestOutput is ended, its output refused (EFBIG).
     /// Returns at end of file, when the child and all that it handed its output to have closed it. The
     /// child itself is collected later.
     util::Result<util::Bytes> readOutput(const platform::ProcessRequest& request) override;
     util::Result<void> launch(const platform::ProcessRequest& request, Termination onTermination) override;
 
 private:
-    [[nodiscard]] std::string programFor(const std::string& launchPath) const;
-
-    const std::filesystem::path toolRoot_;
+    const ToolRoot toolRoot_;
+    const Descriptor ending_;  // readable from the end of this object's life on
     ChildWatcher children_;
 };
 

@@ -20,6 +20,8 @@ namespace {
 
 constexpr const char* kProfileTemplate = "brelton.mobileconfig";
 
+std::string pathOf(const std::string& fileUrl) { return util::replaced(fileUrl, "file://", ""); }
+
 }  // namespace
 
 CertificateFetch::CertificateFetch(Collaborators collaborators) : to_(collaborators) {}
@@ -45,6 +47,13 @@ void CertificateFetch::downloadP12WithUrl(const Collaborators& to, const std::st
     to.requests.downloadP12CertificateWithUrl(
         url, [&log = to.log](const platform::HttpProgress&) { log.write("下载证书中..."); },
         [to, password, certificateFileName](const std::string& fileUrl) {
+            // A computer that was marked as lost meanwhile signed its user out, and one that was locked as well has had its
+            // certificate deleted already: nothing would ever take this one away.
+            if (!to.user.user_isLogin()) {
+                to.log.write("nobody is signed in any more: the certificate is not installed");
+                (void)to.files.remove(pathOf(fileUrl));
+                return;
+            }
             to.toolQueue.async([to, fileUrl, password, certificateFileName] { install(to, fileUrl, password, certificateFileName); });
         },
         [&log = to.log](const std::optional<util::Error>& error) {
@@ -54,7 +63,7 @@ void CertificateFetch::downloadP12WithUrl(const Collaborators& to, const std::st
 
 void CertificateFetch::install(const Collaborators& to, const std::string& fileUrl, const std::optional<std::string>& password,
                                const std::string& certificateFileName) {
-    const std::string path = util::replaced(fileUrl, "file://", "");
+    const std::string path = pathOf(fileUrl);
     to.device.installCertWithPath(path, password.value_or(""));
 
     auto file = to.files.read(path);

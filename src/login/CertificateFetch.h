@@ -30,8 +30,9 @@ namespace halvane::login {
 
 /// Fetches the user's personal certificate and installs it: certificate information, download, import
 /// into the certificate store, network profile. Goes on in the background of a login; failures are
-/// logged, never shown. Main thread; the import and the profile are made on `toolQueue`, because the
-/// tools may make their caller wait. The collaborators must outlive replies and what waits on that queue; this object need not.
+/// logged, never shown. Nothing is installed for somebody who has signed out meanwhile. Main thread; the import and the profile are made on
+/// `toolQueue`, because the tools may make their caller wait. The collaborators must outlive replies and what waits on that queue; this
+/// object need not.
 class CertificateFetch {
 public:
     struct Collaborators {

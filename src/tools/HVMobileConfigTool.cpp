@@ -10,6 +10,8 @@
 #include "util/Redaction.h"
 #include "util/Value.h"
 
+#include <fmt/format.h>
+
 #include <filesystem>
 #include <utility>
 
@@ -71,6 +73,18 @@ void HVMobileConfigTool::installMobileConfigFileWithFilePath(const std::string& 
         {.launchPath = kProfiles, .arguments = {"install", "-path", path}},
         [device = collaborators_.device](int /*exitStatus*/) { device.switchToNewWifiName(kCompanyNetwork); });
     if (!launched) collaborators_.log.write(launched.error().description);
+}
+
+void HVMobileConfigTool::removeMobileConfigFileWithName(const std::string& path) const {
+    const auto task =
+        STPrivilegedTask::make(collaborators_.administrator, {.launchPath = kProfiles, .arguments = {"remove", "-path", path}});
+    const platform::OSStatus status = task->launch();
+    if (status == platform::kAuthorizationCanceled) {
+        collaborators_.log.write("User cancelled");
+        return;
+    }
+    if (status != platform::kAuthorizationSuccess) collaborators_.log.write(fmt::format("Something went wrong: {}", status));
+    task->waitUntilExit();
 }
 
 }  // namespace halvane::tools

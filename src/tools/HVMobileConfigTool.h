@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/STPrivilegedTask.h"
 #include "util/Bytes.h"
 
 #include <functional>
@@ -20,8 +21,8 @@ class Log;
 
 namespace halvane::tools {
 
-/// Builds the user's network profile from the shipped template and installs it. Any thread; the
-/// builder works synchronously on the caller's. An installation that was started goes on without it.
+/// Builds the user's network profile from the shipped template, installs and removes it. Any thread where nothing
+/// else is said; the builder works synchronously on the caller's. An installation that was started goes on without it.
 class HVMobileConfigTool {
 public:
     struct Collaborators {
@@ -30,6 +31,7 @@ public:
         platform::ProcessLauncher& launcher;
         const device::HVDeviceInfoHelper& device;
         util::Log& log;
+        STPrivilegedTask::Collaborators administrator;
     };
 
     explicit HVMobileConfigTool(Collaborators collaborators);
@@ -48,6 +50,10 @@ public:
     /// company network is joined, on the thread that noticed the end. A tool that cannot be started is
     /// logged, and nothing is joined.
     void installMobileConfigFileWithFilePath(const std::string& path) const;
+
+    /// Removes an installed profile, given by its file, with the administrator's rights. Main thread; blocks while the
+    /// person is asked and until the tool has ended, except when the person dismissed the question.
+    void removeMobileConfigFileWithName(const std::string& path) const;
 
 private:
     Collaborators collaborators_;

@@ -11,12 +11,16 @@ NotificationCenter::Token NotificationCenter::addObserver(const std::string& nam
     return nextToken_++;
 }
 
+NotificationCenter::Token NotificationCenter::addObserver(const std::string& name, std::function<void()> observer) {
+    return addObserver(name, Observer([observer = std::move(observer)](const Object& /*object*/) { observer(); }));
+}
+
 void NotificationCenter::removeObserver(Token token) {
     const std::lock_guard lock(mutex_);
     registrations_.erase(token);
 }
 
-void NotificationCenter::post(const std::string& name) {
+void NotificationCenter::post(const std::string& name, const Object& object) {
     std::vector<Observer> observers;
     {
         const std::lock_guard lock(mutex_);
@@ -24,7 +28,7 @@ void NotificationCenter::post(const std::string& name) {
             if (registration.name == name) observers.push_back(registration.observer);
         }
     }
-    for (const Observer& observer : observers) observer();
+    for (const Observer& observer : observers) observer(object);
 }
 
 }  // namespace halvane::util

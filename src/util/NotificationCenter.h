@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -13,12 +14,15 @@ namespace halvane::util {
 /// counts from the next post on. Observers are called outside the lock and may do anything.
 class NotificationCenter {
 public:
-    using Observer = std::function<void()>;
+    /// Whom a notification is about; often nobody.
+    using Object = std::shared_ptr<void>;
+    using Observer = std::function<void(const Object&)>;
     using Token = std::uint64_t;
 
     Token addObserver(const std::string& name, Observer observer);
+    Token addObserver(const std::string& name, std::function<void()> observer);
     void removeObserver(Token token);
-    void post(const std::string& name);
+    void post(const std::string& name, const Object& object = nullptr);
 
 private:
     struct Registration {

@@ -1,4 +1,6 @@
 #include "linux/PosixProcessLauncher.h"
+
+#include "linux/Pipe.h"
 #include "support/Eventually.h"
 #include "support/TemporaryDirectory.h"
 
@@ -123,9 +125,9 @@ TEST_F(PosixProcessLauncherTest, the_end_of_the_output_is_not_the_end_of_the_chi
 }
 
 TEST_F(PosixProcessLauncherTest, large_output_is_taken_and_endless_output_is_ended) {
-    const auto most = launcher.readOutput(shell("head -c " + std::to_string(PosixProcessLauncher::kLargestOutput) + " /dev/zero"));
+    const auto most = launcher.readOutput(shell("head -c " + std::to_string(Pipe::kLargestOutput) + " /dev/zero"));
     ASSERT_TRUE(most) << most.error().description;
-    EXPECT_EQ(most->size(), PosixProcessLauncher::kLargestOutput);
+    EXPECT_EQ(most->size(), Pipe::kLargestOutput);
     const auto endless = launcher.readOutput({.launchPath = "/bin/cat", .arguments = {"/dev/zero"}});
     ASSERT_FALSE(endless);
     EXPECT_EQ(endless.error().code, EFBIG);
@@ -220,6 +222,28 @@ TEST_F(PosixProcessLauncherTest, destroying_the_launcher_waits_for_no_child_and_
         destroyed = true;
     }));
     EXPECT_TRUE(eventually([&] { return destroyed.load(); }));
+}
+
+TEST_F(PosixProcessLauncherTest, a_callback_that_reads_a_slow_tool_does_not_hold_up_the_end) {
+    const fs::path note = directory.path() / "pid";
+    std::atomic<int> code{0};
+    auto own = std::make_unique<PosixProcessLauncher>(root);
+    ASSERT_TRUE(own->launch(shell("true"), [&, raw = own.get()](int) {
+        const auto output =
+            raw->readOutput(shell("echo $$ >" + note.string() + ".new; mv " + note.string() + ".new " + note.string() + "; exec sleep 60"));
+        code = output ? 0 : output.error().code;
+    }));
+    ASSERT_TRUE(eventually([&] { return fs::exists(note); }));
+    const auto began = std::chrono::steady_clock::now();
+    own.reset();
+    EXPECT_EQ(code, ECANCELED);
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(30)) << "as long as the tool";
+    // The tool went on, and is nobody's any more.
+    pid_t tool = 0;
+    std::ifstream(note) >> tool;
+    ASSERT_GT(tool, 0);
+    EXPECT_EQ(::kill(tool, SIGKILL), 0);
+    EXPECT_EQ(::waitpid(tool, nullptr, 0), tool);
 }
 
 }  // namespace

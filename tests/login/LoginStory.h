@@ -4,6 +4,7 @@
 #include "login/LoginFlow.h"
 #include "platform/Browser.h"
 #include "session/KTKeyChain.h"
+#include "support/FakeAuthorization.h"
 #include "support/FakeDevice.h"
 #include "support/GoldenExchange.h"
 #include "support/MemoryKeychain.h"
@@ -141,7 +142,8 @@ public:
     session::KTKeyChain keyChain{keychain, device.log};
     FakeBrowser browser;
     util::NotificationCenter notifications;
-    tools::HVMobileConfigTool profiles{{on.files, on.directories, device.launcher, device.helper, device.log}};
+    test::FakeAdministrator administrator;
+    tools::HVMobileConfigTool profiles{{on.files, on.directories, device.launcher, device.helper, device.log, administrator.collaborators}};
     CertificateFetch certificates{{*on.mainLoop, on.files, device.log, on.user, on.requests, device.helper, profiles}};
     FakeScreen screen{events};
     std::unique_ptr<LoginFlow> flow;

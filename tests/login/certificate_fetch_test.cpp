@@ -10,6 +10,8 @@ constexpr const char* kInfo =
 
 class CertificateFetchTest : public testing::Test, protected LoginStory {
 protected:
+    CertificateFetchTest() { on.user.user_loginSuccessWithDic(util::Dictionary{{"token", "t"}, {"job_number", "7"}}); }
+
     void request() { certificates.requestCertificateWithUserName("chen.xiao", "pw"); }
     void download(const util::Bytes& bytes) {
         on.transport.reply(requestCount() - 1, 200, "application/x-pkcs12", bytes);
@@ -61,6 +63,16 @@ TEST_F(CertificateFetchTest, a_failed_download_is_a_log_line_and_nothing_is_inst
     settle();
     EXPECT_TRUE(device.log.contains("出错了 code = -1005 description = the connection was lost"));
     EXPECT_TRUE(device.launcher.starts.empty());
+}
+
+TEST_F(CertificateFetchTest, who_has_signed_out_meanwhile_gets_nothing_installed) {
+    request();
+    answer(kInfo);
+    on.user.user_deleteUserInfo();
+    download("p12 bytes");
+    EXPECT_TRUE(device.launcher.starts.empty());
+    EXPECT_FALSE(on.files.exists(file));
+    EXPECT_TRUE(device.log.contains("nobody is signed in any more"));
 }
 
 TEST_F(CertificateFetchTest, progress_is_a_log_line_each_time) {

@@ -1,5 +1,6 @@
 #include "tools/HVMobileConfigTool.h"
 
+#include "support/FakeAuthorization.h"
 #include "support/FakeDevice.h"
 #include "support/MemoryDirectories.h"
 #include "support/MemoryFileStore.h"
@@ -41,7 +42,8 @@ protected:
     test::MemoryFileStore files;
     test::MemoryDirectories directories;
     test::FakeDevice on;
-    HVMobileConfigTool tool{{files, directories, on.launcher, on.helper, on.log}};
+    test::FakeAdministrator administrator;
+    HVMobileConfigTool tool{{files, directories, on.launcher, on.helper, on.log, administrator.collaborators}};
 };
 
 TEST_F(MobileConfigTest, fills_the_first_payload_and_leaves_the_rest) {
@@ -119,6 +121,44 @@ TEST_F(MobileConfigTest, a_tool_that_cannot_be_started_is_logged_and_joins_nothi
     tool.installMobileConfigFileWithFilePath(path);
     EXPECT_EQ(on.launcher.starts.size(), 1U);
     EXPECT_TRUE(on.log.contains("/usr/bin/profiles"));
+}
+
+TEST_F(MobileConfigTest, a_removal_waits_unless_the_question_was_dismissed) {
+    struct Row {
+        const char* name;
+        platform::OSStatus refused;   // when the rights are asked for
+        platform::OSStatus executed;  // by the execution
+        std::vector<std::string> logged;
+    };
+    const Row rows[] = {
+        {"done", 0, 0, {}},
+        {"dismissed", -60006, 0, {"User cancelled"}},
+        {"dismissed later", 0, -60006, {"User cancelled"}},
+        {"refused", -60005, 0, {"Something went wrong: -60005", "is not running"}},
+        {"could not be executed", 0, -60031, {"Something went wrong: -60031", "is not running"}},
+    };
+    for (const auto& [name, refused, executed, logged] : rows) {
+        SCOPED_TRACE(name);
+        test::FakeAdministrator asked;
+        asked.authorization.rightsStatus = refused;
+        asked.authorization.executeStatus = executed;
+        asked.authorization.endsAfter = 3;
+        test::FakeDevice own;
+        HVMobileConfigTool({files, directories, own.launcher, own.helper, own.log, asked.collaborators})
+            .removeMobileConfigFileWithName("/p");
+        EXPECT_EQ(asked.authorization.collections, logged.empty() ? 3 : 0);
+        EXPECT_EQ(own.log.lines().size() + asked.log.lines().size(), logged.size());
+        if (!logged.empty()) {
+            EXPECT_EQ(own.log.lines().front(), logged.front());
+        }
+        if (logged.size() == 2) {
+            EXPECT_NE(asked.log.lines().front().find(logged[1]), std::string::npos);
+        }
+        EXPECT_TRUE(own.launcher.starts.empty());
+        if (refused == 0) {
+            EXPECT_EQ(asked.authorization.calls[2], "execute 7 /usr/bin/profiles [remove] [-path] [/p] in /here");
+        }
+    }
 }
 
 }  // namespace

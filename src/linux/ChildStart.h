@@ -1,0 +1,31 @@
+#pragma once
+
+#include "util/Result.h"
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace halvane::linux {
+
+/// How to start a child: by posix_spawn, with no signal blocked or ignored, and with no descriptor of ours but the
+/// standard ones and those named here. A value; any thread.
+struct ChildStart {
+    std::string program;                                                ///< the file
+    std::vector<std::string> arguments;                                 ///< with the program's own name first
+    std::vector<std::pair<std::string, std::string>> environment = {};  ///< added to ours
+    std::optional<int> standardOutput = {};
+    std::optional<int> standardError = {};
+    /// Becomes the child's descriptor 3.
+    std::optional<int> extra = {};
+    bool withoutInput = false;                  ///< reads from /dev/null
+    std::optional<std::string> directory = {};  ///< one that cannot be entered: ours
+
+    /// The child's process id. Error: an errno, `subject` in its text. Texts with a NUL are EINVAL.
+    [[nodiscard]] util::Result<pid_t> start(const std::string& subject) const;
+};
+
+}  // namespace halvane::linux
