@@ -112,7 +112,7 @@ TEST_F(IdentityStoreTest, second_program_waits_for_its_turn_and_not_for_ever) {
     ASSERT_TRUE(*held);
     const auto refused = StoreLock::take(file, 60ms);
     ASSERT_FALSE(refused);
-    EXPECT_EQ(refused.error().description, "another program is changing the certificate store");
+    EXPECT_EQ(refused.error().description, "another program is changing " + home_.path().string());
     held.reset();
     EXPECT_TRUE(StoreLock::take(file, 0ms));
     EXPECT_EQ(StoreLock::take(home_.path() / "no/such/lock", 0ms).error().code, ENOENT);
