@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
 
 namespace halvane::linux {
 
@@ -68,7 +69,9 @@ public:
         if (code == 0) code = duplicate(child.standardError, STDERR_FILENO);
         if (code == 0) code = duplicate(child.extra, kExtra);
         if (code == 0 && child.withoutInput) code = ::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        if (code == 0 && child.directory && ::access(child.directory->c_str(), X_OK) == 0)
+        std::error_code unknown;
+        if (code == 0 && child.directory && std::filesystem::is_directory(*child.directory, unknown) &&
+            ::access(child.directory->c_str(), X_OK) == 0)
             code = ::posix_spawn_file_actions_addchdir_np(&actions_, child.directory->c_str());
         if (code == 0) code = ::posix_spawn_file_actions_addclosefrom_np(&actions_, child.extra ? kExtra + 1 : kExtra);
         return code != 0 ? code : ::posix_spawn(&pid, child.program.c_str(), &actions_, &attributes_, arguments, environment);

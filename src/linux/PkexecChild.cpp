@@ -5,12 +5,14 @@
 #include "linux/ProcessStatus.h"
 
 #include <poll.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <thread>
 
 namespace halvane::linux {
 
@@ -20,6 +22,18 @@ using platform::OSStatus;
 
 constexpr int kDismissed = 126;  // pkexec's own exit code; 127 is all else
 
+/// False when it has not closed in time.
+bool markerCloses(int marker, std::chrono::milliseconds longest) {
+    pollfd wait{marker, POLLIN, 0};
+    const auto end = std::chrono::steady_clock::now() + longest;
+    int ready = 0;
+    do {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        ready = ::poll(&wait, 1, static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
+    } while (ready < 0 && errno == EINTR);
+    return ready > 0;
+}
+
 /// The wait status of a child that ends by itself, now.
 int collected(pid_t process) {
     int status = 0;
@@ -28,9 +42,20 @@ int collected(pid_t process) {
     return status;
 }
 
+/// By the administrator: others need not be allowed to.
 bool canBeExecuted(const std::string& program) {
-    std::error_code unknown;
-    return program.starts_with('/') && std::filesystem::is_regular_file(program, unknown) && ::access(program.c_str(), X_OK) == 0;
+    struct stat seen {};
+    return program.starts_with('/') && ::stat(program.c_str(), &seen) == 0 && S_ISREG(seen.st_mode) && (seen.st_mode & 0111) != 0;
+}
+
+/// Whether the child, which may also just go on, has ended by now; nothing is collected.
+bool hasEnded(pid_t process) {
+    for (int look = 0; look < 20; ++look) {
+        siginfo_t info{};
+        if (::waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid == process) return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
 }
 
 }  // namespace
@@ -40,7 +65,8 @@ bool PkexecChild::isInstalled() const { return ::access(pkexec_.c_str(), X_OK) =
 PkexecChild::Started PkexecChild::start(const Order& order) const {
     if (!isInstalled()) return {.status = platform::kAuthorizationNotAvailable};
     // Before the person is asked for a password that would be of no use.
-    if (!canBeExecuted(order.program)) return {.status = platform::kAuthorizationToolExecuteFailure};
+    if (!canBeExecuted(order.program) || std::filesystem::path(order.program).filename() == pkexec_.filename())
+        return {.status = platform::kAuthorizationToolExecuteFailure};
     const std::string subject = "start " + order.program;
     auto marker = Pipe::open(subject);
     auto output = Pipe::open(subject);
@@ -55,6 +81,8 @@ PkexecChild::Started PkexecChild::start(const Order& order) const {
     child.extra = marker->writeEnd.get();
     child.withoutInput = true;
     child.directory = order.workingDirectory;
+    // It refuses to work for people whose shell is none of the system's.
+    child.environment = {{"SHELL", "/bin/sh"}};
     const auto process = child.start(subject);
     if (!process) return {.status = platform::kAuthorizationToolExecuteFailure};
     marker->writeEnd.close();
@@ -66,23 +94,22 @@ PkexecChild::Started PkexecChild::start(const Order& order) const {
 /// pkexec marks all descriptors but the standard ones to be closed at the moment at which it becomes the program. So
 /// the marker is closed by that, or by pkexec's own end; the process's name, which outlives its end, tells which.
 OSStatus PkexecChild::awaitStart(pid_t process, int marker) const {
-    pollfd wait{marker, POLLIN, 0};
-    const auto end = std::chrono::steady_clock::now() + longestQuestion_;
-    int ready = 0;
-    do {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-        ready = ::poll(&wait, 1, static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
-    } while (ready < 0 && errno == EINTR);
-    if (ready <= 0) {
-        ::kill(process, SIGTERM);
-        collected(process);
-        return platform::kAuthorizationCanceled;
+    if (!markerCloses(marker, longestQuestion_)) {
+        // Where that is not allowed, the person has agreed at this very moment.
+        if (::kill(process, SIGTERM) == 0) {
+            collected(process);
+            return platform::kAuthorizationCanceled;
+        }
+        markerCloses(marker, longestQuestion_);
     }
     const auto status = ProcessStatus::of(process);
-    if (!status || status->name != pkexec_.filename()) return platform::kAuthorizationSuccess;
+    const bool isPkexec = status && status->name == pkexec_.filename();
+    // Systems may hide other people's processes; then only its end tells.
+    const bool ended = isPkexec || (!status && hasEnded(process));
+    if (!ended) return platform::kAuthorizationSuccess;
     const int waitStatus = collected(process);
-    return WIFEXITED(waitStatus) && WEXITSTATUS(waitStatus) == kDismissed ? platform::kAuthorizationCanceled
-                                                                          : platform::kAuthorizationDenied;
+    if (WIFEXITED(waitStatus) && WEXITSTATUS(waitStatus) == kDismissed) return platform::kAuthorizationCanceled;
+    return authority_.isThere() ? platform::kAuthorizationDenied : platform::kAuthorizationNotAvailable;
 }
 
 }  // namespace halvane::linux

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "linux/Descriptor.h"
+#include "linux/PolkitAuthority.h"
 #include "platform/AuthorizationServices.h"
 #include "util/Result.h"
 
@@ -31,8 +32,9 @@ public:
     /// A person who does not answer for that long has not agreed.
     static constexpr std::chrono::minutes kLongestQuestion{10};
 
-    explicit PkexecChild(std::filesystem::path pkexec = "/usr/bin/pkexec", std::chrono::milliseconds longestQuestion = kLongestQuestion)
-        : pkexec_(std::move(pkexec)), longestQuestion_(longestQuestion) {}
+    explicit PkexecChild(PolkitAuthority authority = PolkitAuthority(), std::filesystem::path pkexec = "/usr/bin/pkexec",
+                         std::chrono::milliseconds longestQuestion = kLongestQuestion)
+        : authority_(std::move(authority)), pkexec_(std::move(pkexec)), longestQuestion_(longestQuestion) {}
 
     [[nodiscard]] bool isInstalled() const;
     /// Blocks until the program runs or will not run.
@@ -41,6 +43,7 @@ public:
 private:
     [[nodiscard]] platform::OSStatus awaitStart(pid_t process, int marker) const;
 
+    const PolkitAuthority authority_;
     const std::filesystem::path pkexec_;
     const std::chrono::milliseconds longestQuestion_;
 };

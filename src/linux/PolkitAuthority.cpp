@@ -31,8 +31,9 @@ PolkitAuthority::Answer PolkitAuthority::check(const std::string& action) const 
     if (!call || !appendSubject(call.get()) || sd_bus_message_append(call.get(), "sa{ss}us", action.c_str(), 0, kWithoutAsking, "") < 0)
         return Answer::Unavailable;
     const BusMessage answer = calls.ask(call.get());
-    // polkit's own errors begin with its own name; that it is not there is the bus's error.
-    if (!answer) return calls.error().starts_with(kName) ? Answer::UnknownAction : Answer::Unavailable;
+    // An action that it does not know is the plain failure among its own errors; that it is not there is the bus's.
+    if (!answer && calls.error() == "org.freedesktop.PolicyKit1.Error.Failed") return Answer::UnknownAction;
+    if (!answer) return calls.error() == "org.freedesktop.PolicyKit1.Error.NotAuthorized" ? Answer::Refused : Answer::Unavailable;
     int authorised = 0;
     int challenge = 0;
     if (sd_bus_message_enter_container(answer.get(), 'r', "bba{ss}") <= 0 ||

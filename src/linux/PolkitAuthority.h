@@ -21,6 +21,11 @@ public:
         : busAddress_(std::move(busAddress)), deadline_(deadline) {}
 
     [[nodiscard]] Answer check(const std::string& action) const;
+    /// Whether there is a polkit at all.
+    [[nodiscard]] bool isThere() const { return check(kExecute) != Answer::Unavailable; }
+
+    /// The action of pkexec, for programs that have none of their own.
+    static constexpr const char* kExecute = "org.freedesktop.policykit.exec";
 
 private:
     const std::string busAddress_;

@@ -16,7 +16,6 @@ using platform::OSStatus;
 
 constexpr const char* kProfiles = "/usr/bin/profiles";
 constexpr const char* kProfilesAction = "com.halvane.profiles";
-constexpr const char* kGeneralAction = "org.freedesktop.policykit.exec";
 
 class PipeHandle final : public platform::OutputFileHandle {
 public:
@@ -45,7 +44,7 @@ OSStatus PolkitAuthorization::copyRights(platform::AuthorizationRef, const std::
     for (const auto& right : rights) {
         auto answer = PolkitAuthority::Answer::UnknownAction;
         if (right.value == kProfiles) answer = authority_.check(kProfilesAction);
-        if (answer == PolkitAuthority::Answer::UnknownAction) answer = authority_.check(kGeneralAction);
+        if (answer == PolkitAuthority::Answer::UnknownAction) answer = authority_.check(PolkitAuthority::kExecute);
         if (answer == PolkitAuthority::Answer::Possible) continue;
         const bool refused = answer == PolkitAuthority::Answer::Refused;
         log_.write(refused ? "polkit: the policy lets nobody here run " + right.value + " as the administrator" : "polkit: not available");

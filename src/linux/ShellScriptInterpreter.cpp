@@ -110,6 +110,9 @@ std::variant<std::string, Failure> ShellScriptInterpreter::execute(const std::st
 
     std::array<std::string, 2> texts;
     const bool ended = readBoth({&started.output, &started.errors}, texts);
+    // One that writes without end, and is not ours to kill, ends when nobody reads any more.
+    started.output.close();
+    started.errors.close();
     if (!ended) ::kill(started.process, SIGKILL);
     int status = 0;
     while (::waitpid(started.process, &status, 0) < 0 && errno == EINTR) {

@@ -2,6 +2,7 @@
 
 #include "util/Log.h"
 #include "util/NotificationCenter.h"
+#include "util/Value.h"
 
 #include <fmt/format.h>
 
@@ -92,7 +93,8 @@ void STPrivilegedTask::checkTaskStatus() {
     const auto self = shared_from_this();
     ended(*waitStatus);
     to_.notifications.post(kDidTerminateNotification, self);
-    if (terminationHandler) terminationHandler(*self);
+    // A handler may take itself off.
+    if (const auto handler = terminationHandler) handler(*self);
 }
 
 void STPrivilegedTask::ended(int waitStatus) {
@@ -116,7 +118,8 @@ void STPrivilegedTask::waitUntilExit() {
 std::string STPrivilegedTask::baseDescription() const { return fmt::format("<STPrivilegedTask: {}>", fmt::ptr(this)); }
 
 std::string STPrivilegedTask::description() const {
-    std::string line = launchPath.value_or("");
+    if (!launchPath) return baseDescription() + " " + util::printed(launchPath);
+    std::string line = *launchPath;
     for (const auto& argument : arguments) line += " '" + argument + "'";
     return baseDescription() + " " + line;
 }

@@ -1,4 +1,5 @@
 """A computer in the lab: a system bus, NetworkManager and its supplicant of our own, on one end of the switch's cable."""
+import shutil
 import subprocess
 from pathlib import Path
 
@@ -9,7 +10,8 @@ from switch import CABLE, Switch
 
 SYSTEM_BUS = "/run/dbus/system_bus_socket"
 EMPLOYEES = ("chen", "li")
-OWN_ROOMS = ("/run", "/etc/NetworkManager", "/var/lib/NetworkManager", "/etc/polkit-1", "/var/lib/polkit-1")
+ACTIONS = Path("/usr/share/polkit-1/actions")
+OWN_ROOMS = ("/run", "/etc/NetworkManager", "/var/lib/NetworkManager", "/etc/polkit-1", "/var/lib/polkit-1", "/usr/local")
 CONNECTIONS = Path("/etc/NetworkManager/system-connections")
 
 BUS = """<busconfig><type>system</type><listen>unix:path={0}</listen><listen>unix:path={1}</listen><auth>EXTERNAL</auth>
@@ -46,6 +48,7 @@ RULES = """polkit.addRule(function(action, subject) {
 
 class Lab:
     """To be made inside namespaces (`inside.enter`). Everything ends with `processes`."""
+    RULES = RULES
 
     def __init__(self, processes, folder):
         self._processes = processes
@@ -53,11 +56,22 @@ class Lab:
         self.bus = f"unix:path={self._folder}/bus"
         self.environment = {"DBUS_SYSTEM_BUS_ADDRESS": self.bus}
         self.switch = Switch(processes, folder)
-
-    def start(self):
+        self.manager = None
+        self._polkit = None
         for room in OWN_ROOMS:
             Path(room).mkdir(parents=True, exist_ok=True)
             subprocess.run(["mount", "-t", "tmpfs", "-o", "mode=755", "lab", room], check=True)
+
+    def install(self, build, prefix):
+        """The tools and their polkit action, as an installation has them."""
+        prefix.mkdir(parents=True)
+        subprocess.run(["mount", "--bind", build / "libexec/halvane", prefix], check=True)
+        actions = self._folder / "actions"
+        shutil.copytree(ACTIONS, actions)
+        shutil.copy(build / "share/polkit-1/actions/com.halvane.policy", actions)
+        subprocess.run(["mount", "--bind", actions, ACTIONS], check=True)
+
+    def start(self):
         subprocess.run(["mount", "-t", "sysfs", "-o", "ro", "sysfs", "/sys"], check=True)
         users.add_to_this_namespace(self._folder, EMPLOYEES)
         users.give_sessions([0, *range(users.FIRST_ID, users.FIRST_ID + len(EMPLOYEES))])
@@ -78,7 +92,7 @@ class Lab:
 
     def _start_polkit(self):
         self.set_rules(RULES)
-        self._start("polkitd", "/usr/lib/polkit-1/polkitd", "--no-debug")
+        self._polkit = self._start("polkitd", "/usr/lib/polkit-1/polkitd", "--no-debug")
         self.wait_for_name("org.freedesktop.PolicyKit1")
 
     def set_rules(self, text):
@@ -91,9 +105,15 @@ class Lab:
         Path("/etc/NetworkManager/NetworkManager.conf").write_text(MANAGER, encoding="utf-8")
         self._start("supplicant", program("wpa_supplicant"), "-u", "-t")
         self.wait_for_name("fi.w1.wpa_supplicant1")
-        self._start("manager", program("NetworkManager"), "--debug", "--log-level=INFO")
+        self.manager = self._start("manager", program("NetworkManager"), "--debug", "--log-level=INFO")
         self.wait_for_name("org.freedesktop.NetworkManager")
+        self.wait_for_cable()
+
+    def wait_for_cable(self):
         wait_for("the cable", lambda: f"{CABLE}:disconnected" in self.nmcli("-t", "-f", "DEVICE,STATE", "device"))
+
+    def end_polkit(self):
+        self._processes.end(self._polkit)
 
     def wait_for_name(self, name):
         call = ("dbus-send", f"--bus={self.bus}", "--print-reply", "--dest=org.freedesktop.DBus", "/", "org.freedesktop.DBus.NameHasOwner", f"string:{name}")
@@ -103,8 +123,8 @@ class Lab:
         return output_of(program("nmcli"), *words, env={"LC_ALL": "C.UTF-8", **self.environment}).decode()
 
     def connections(self):
-        """Names of what NetworkManager keeps."""
-        return [line for line in self.nmcli("-t", "-f", "NAME", "connection").splitlines() if line != "lo"]
+        """Names of what NetworkManager keeps, without those that it makes up for what it finds."""
+        return [line for line in self.nmcli("-t", "-f", "NAME", "connection").splitlines() if line not in ("lo", CABLE)]
 
     @staticmethod
     def kept_files():

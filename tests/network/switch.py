@@ -67,9 +67,7 @@ class Switch:
 
     def authenticate_with(self, certificate, authority):
         """A new authenticator in the place of the old one. Both are PEM files; stations have to join anew."""
-        self.forget_stations()
-        for process in reversed(self._authenticator):
-            self._processes.end(process)
+        self.silence()
         configuration = self._folder / "hostapd.conf"
         configuration.write_text(CONFIGURATION.format(port=PORT, folder=self._folder, authority=authority, certificate=certificate), encoding="utf-8")
         control = self._folder / "hostapd" / PORT
@@ -85,6 +83,19 @@ class Switch:
         if self._authenticator:
             self._cli("deauthenticate", _address())
             self._run(program("bridge"), "fdb", "del", _address(), "dev", PORT, "master", may_fail=True)
+
+    def silence(self):
+        """The port stays closed and nobody answers at it."""
+        self.forget_stations()
+        for process in reversed(self._authenticator):
+            self._processes.end(process)
+        self._authenticator = []
+
+    def unplug(self):
+        self._run(program("ip"), "link", "set", PORT, "down")
+
+    def plug_in(self):
+        self._run(program("ip"), "link", "set", PORT, "up")
 
     def knows_station(self):
         return _address() in self._run(program("bridge"), "fdb", "show", "dev", PORT)

@@ -15,7 +15,7 @@ class User:
         self.data = self.home / ".local/share"
         self.data.mkdir(parents=True, mode=0o700, exist_ok=True)
         for path in (self.home, self.home / ".local", self.data):
-            os.chown(path, self.uid, self.gid)
+            self.own(path)
             path.chmod(0o700)
         self.environment = {"HOME": str(self.home), "USER": name, "LOGNAME": name, "PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8"}
 
@@ -23,9 +23,12 @@ class User:
         return subprocess.run([str(part) for part in command], env={**self.environment, **(environment or {})}, capture_output=True,
                               text=True, timeout=seconds, check=False, cwd=self.home, stdin=subprocess.DEVNULL, **self._rights())
 
-    def start(self, *command, environment=None, **options):
+    def start(self, *command, environment=None, stdin_pipe=False, **options):
         return subprocess.Popen([str(part) for part in command], env={**self.environment, **(environment or {})}, cwd=self.home,
-                                stdin=subprocess.DEVNULL, **self._rights(), **options)
+                                stdin=subprocess.PIPE if stdin_pipe else subprocess.DEVNULL, **self._rights(), **options)
+
+    def own(self, path):
+        os.chown(path, self.uid, self.gid)
 
     def _rights(self):
         return {"user": self.uid, "group": self.gid, "extra_groups": []} if self.uid else {}

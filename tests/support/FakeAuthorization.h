@@ -14,6 +14,12 @@ namespace halvane::test {
 /// An administrator who answers what the test wants, and a child that ends when the test says.
 class FakeAuthorization final : public platform::AuthorizationServices {
 public:
+    class NoOutput final : public platform::OutputFileHandle {
+    public:
+        [[nodiscard]] int fileDescriptor() const override { return -1; }
+        util::Result<util::Bytes> readDataToEndOfFile() override { return util::Bytes(); }
+    };
+
     [[nodiscard]] bool canExecuteWithPrivileges() const override { return available; }
     Created create() override {
         calls.emplace_back("create");
@@ -45,7 +51,7 @@ public:
     platform::OSStatus createStatus = 0;
     platform::OSStatus rightsStatus = 0;
     platform::OSStatus executeStatus = 0;
-    std::shared_ptr<platform::OutputFileHandle> output;
+    std::shared_ptr<platform::OutputFileHandle> output = std::make_shared<NoOutput>();
     int waitStatus = 0;
     int endsAfter = 0;  ///< looks; 0: never
     int collections = 0;

@@ -18,8 +18,9 @@ protected:
     PrivilegedTaskTest() {
         on.notifications.addObserver(STPrivilegedTask::kDidTerminateNotification, [this](const util::NotificationCenter::Object& object) {
             events.push_back("notification");
-            EXPECT_EQ(object, task);
-            EXPECT_FALSE(task->isRunning());
+            const auto ended = std::static_pointer_cast<STPrivilegedTask>(object);
+            EXPECT_TRUE(task == nullptr || task == ended);
+            EXPECT_FALSE(ended->isRunning());
         });
         task->terminationHandler = [this](STPrivilegedTask& ended) {
             events.push_back("handler " + std::to_string(ended.terminationStatus()));
@@ -38,6 +39,8 @@ TEST_F(PrivilegedTaskTest, asks_for_the_right_to_run_that_program_then_starts_it
               (Calls{"create", "copyRights 7 flags 19 system.privilege.admin=/bin/x", "execute 7 /bin/x [a] [b c] in /there", "free 7"}));
     EXPECT_TRUE(task->isRunning());
     EXPECT_EQ(task->processIdentifier(), 4711);
+    EXPECT_EQ(task->outputFileHandle(), on.authorization.output);
+    ASSERT_NE(task->outputFileHandle(), nullptr);
     EXPECT_TRUE(on.log.lines().empty());
 }
 
@@ -102,7 +105,7 @@ TEST_F(PrivilegedTaskTest, a_tick_notices_the_end_and_tells_notification_then_ha
     EXPECT_EQ(on.mainLoop.waiting(), 0U);
 }
 
-TEST_F(PrivilegedTaskTest, a_handler_may_launch_the_task_again_and_drop_it) {
+TEST_F(PrivilegedTaskTest, a_handler_may_launch_the_task_again) {
     on.authorization.endsAfter = 1;
     on.authorization.waitStatus = 9;  // ended by a signal: no exit code
     int ended = 0;
@@ -115,18 +118,23 @@ TEST_F(PrivilegedTaskTest, a_handler_may_launch_the_task_again_and_drop_it) {
     ASSERT_EQ(task->launch(), 0);
     on.mainLoop.advance(kTick * 4);
     EXPECT_EQ(ended, 2);
+}
 
-    // Nobody else holds it: the running task lives until its end.
+TEST_F(PrivilegedTaskTest, a_task_that_nobody_holds_lives_until_its_end_and_its_handler_may_take_itself_off) {
     const std::weak_ptr<STPrivilegedTask> watched = task;
+    std::string captured = "what the handler holds";
+    task->terminationHandler = [this, captured](STPrivilegedTask& ended) {
+        ended.terminationHandler = nullptr;
+        events.push_back(captured);
+    };
     ASSERT_EQ(task->launch(), 0);
-    on.notifications.addObserver(STPrivilegedTask::kDidTerminateNotification, [&] { events.push_back("dropped"); });
-    on.authorization.endsAfter = 0;
-    events.clear();
-    const auto* address = task.get();
-    task->terminationHandler = nullptr;
     task.reset();
-    ASSERT_FALSE(watched.expired());
-    EXPECT_EQ(watched.lock().get(), address);
+    on.mainLoop.advance(kTick * 3);
+    EXPECT_FALSE(watched.expired());
+    on.authorization.endsAfter = 1;
+    on.mainLoop.advance(kTick * 2);
+    EXPECT_EQ(events, (Calls{"notification", captured}));
+    EXPECT_TRUE(watched.expired());
 }
 
 TEST_F(PrivilegedTaskTest, waiting_looks_again_and_again_and_tells_nobody) {
@@ -151,7 +159,7 @@ TEST_F(PrivilegedTaskTest, the_description_has_path_and_arguments_and_never_the_
     EXPECT_TRUE(task->description().ends_with("> /bin/x 'a' 'b c'"));
     EXPECT_EQ(task->description().find("CWD"), std::string::npos);
     const auto empty = STPrivilegedTask::make(on.collaborators, {});
-    EXPECT_TRUE(empty->description().ends_with("> "));
+    EXPECT_TRUE(empty->description().ends_with("> (null)"));
     EXPECT_EQ(empty->currentDirectoryPath, "/here");
     EXPECT_FALSE(empty->launchPath);
     EXPECT_EQ(empty->outputFileHandle(), nullptr);
