@@ -22,7 +22,7 @@ void onAlarm(int) {
     // Only what a signal handler may call; whether the text got out changes nothing.
     if (::write(STDERR_FILENO, programName, std::strlen(programName)) >= 0 && ::write(STDERR_FILENO, kText, std::strlen(kText)) >= 0) {
     }
-    ::_exit(kFailure);
+    ::_exit(kTimedOut);
 }
 
 }  // namespace

@@ -35,6 +35,15 @@ class Company:
 
         self.url = wait_for("the server's address", address)[1]
 
+    def fill_template(self, template, directory):
+        """Resources of a client that knows this company's authority."""
+        Path(directory).mkdir()
+        output_of(self._program, "profile", template, "--out", Path(directory, template.name), "--data", self._data, env=self._env)
+
+    def equip_authenticator(self, certificate, authority):
+        output_of(self._program, "radius-cert", "radius.example.com", "--out", certificate, "--data", self._data, env=self._env)
+        authority.write_bytes(output_of(self._program, "ca", "show", "--data", self._data, env=self._env))
+
     @property
     def domain(self):
         return self.user_name.partition("@")[2]

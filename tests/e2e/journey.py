@@ -11,6 +11,7 @@ import time
 from pathlib import Path
 
 from client import LOGIN_SIZE, MAIN_SIZE, Client, LoginWindow, mode_of, texts_in
+from company_network import CompanyNetwork, what_is_missing
 from main_window_steps import MainWindowSteps
 from processes import ChildWatch, descendants, expect, output_of, stays, wait_for
 from stage import options_of, perform, take
@@ -21,7 +22,7 @@ LONGEST = 260
 
 
 class Journey:
-    def __init__(self, processes, desktop, company, client, tools, options):
+    def __init__(self, processes, desktop, company, client, tools, network, options):
         self._processes = processes
         self._desktop = desktop
         self._company = company
@@ -30,11 +31,13 @@ class Journey:
         self._taken = 0
         self._watched = set()
         self._main_window = MainWindowSteps(desktop, company, client, self.photograph)
-        self._watch = WatchSteps(desktop, company, client, tools, self.photograph)
+        self._tools = tools
+        self._network = network
+        self._watch = WatchSteps(desktop, company, client, tools, network, self.photograph)
 
     def steps(self):
         return [self.first_start, self.wrong_password, self.second_tries_send_nothing, self.quits_on_request, self.fields_are_prefilled,
-                self.right_password, self.certificate_is_in_the_store, self.profile_is_written, self.session_is_kept,
+                self.right_password, self.certificate_is_in_the_store, self.profile_is_written, self.company_network_is_joined, self.session_is_kept,
                 *self._main_window.steps(), *self._watch.page(), self.nothing_secret_leaks, self.next_start_asks_nobody, self.closing_puts_it_behind,
                 self.second_start_raises_the_first, *self._watch.steps(), self.leaves_by_keyboard, self.leaves_by_the_desktop_entry]
 
@@ -148,6 +151,19 @@ class Journey:
         expect(mode_of(files[0]) == 0o600, f"the profile is 0600, not {mode_of(files[0]):o}")
         return f"{files[0].name} with {len(payload['PayloadContent'])} bytes of certificate and the name {self._company.USER}"
 
+    def company_network_is_joined(self):
+        asked = self._tools.calls(0)
+        expect("networksetup -setairportnetwork en0 test_dot1x" in asked, f"the network was to be joined: {asked}")
+        if not self._network:
+            return f"asked for; not joined here: {what_is_missing()}"
+        self._network.wait_until_joined()
+        connection = self._network.connection()
+        note = self._processes.start("joined", ["xmessage", "-geometry", "+40+700", f"NetworkManager: {connection}; traffic through the port"], self._desktop.env)
+        wait_for("the note", lambda: any("xmessage" in window.title for window in self._desktop.windows()))
+        self.photograph("joined")
+        self._processes.end(note)
+        return f"{connection}: traffic goes through the port that the company's authenticator opened"
+
     def session_is_kept(self):
         file = self._client.session_file()
         expect(file.exists(), f"the session file {file.name}")
@@ -172,7 +188,7 @@ class Journey:
             expect(not [line for _, line in self._watched if secret in line], f"the {what} stood in an argument list")
         expect(not self._client.open_to_others(), f"files that others can read: {self._client.open_to_others()}")
         tools = sorted({Path(program).name for program, _ in self._watched if program.startswith(str(self._client.tools))})
-        expect("security" in tools, f"the certificate tool was seen at work, not {tools}")
+        expect({"security", "profiles"} <= set(tools), f"the tools that get the password were seen at work, not {tools}")
         return f"password, certificate password and token in no log line and in no argument list of {', '.join(tools)}"
 
     def next_start_asks_nobody(self):
@@ -237,10 +253,16 @@ def main():
     options = options_of(__doc__)
 
     def play(processes, desktop, company, folder):
+        network = None if what_is_missing() else CompanyNetwork(processes, company, folder)
+        if network:
+            network.start(desktop.env)
+            desktop.use_system_bus(network.bus)
         client = Client(processes, desktop, company, options.build)
         tools = ToolRoot(folder, client.tools)
-        client.environment["HALVANE_TOOL_ROOT"] = str(tools.path)
-        journey = Journey(processes, desktop, company, client, tools, options)
+        resources = Path(folder, "resources")
+        company.fill_template(options.build / "share/halvane/brelton.mobileconfig", resources)
+        client.environment |= {"HALVANE_TOOL_ROOT": str(tools.path), "HALVANE_RESOURCES": str(resources)}
+        journey = Journey(processes, desktop, company, client, tools, network, options)
         return take(journey.steps(), journey.photograph)
 
     return perform(options, LONGEST, play)

@@ -1,4 +1,4 @@
-"""A tool root of the journey's own: the real tools, and a note of what two of them were asked to do."""
+"""A tool root of the journey's own: the real tools, two of which note what they are asked to do."""
 import shlex
 import time
 from pathlib import Path
@@ -7,8 +7,6 @@ SECURITY, NETWORKSETUP = "usr/bin/security", "usr/sbin/networksetup"
 
 
 class ToolRoot:
-    """`networksetup` comes with the network identity; until then its calls are noted and nothing else."""
-
     def __init__(self, folder, real):
         self.path = Path(folder, "tools")
         self._record = Path(folder, "tools.txt")
@@ -17,9 +15,9 @@ class ToolRoot:
                 own = self.path / tool.relative_to(real)
                 own.parent.mkdir(parents=True, exist_ok=True)
                 own.symlink_to(tool)
-        (self.path / SECURITY).unlink()
-        self._write(SECURITY, f"exec {shlex.quote(str(Path(real, SECURITY)))} \"$@\"\n")
-        self._write(NETWORKSETUP, "")
+        for tool in (SECURITY, NETWORKSETUP):
+            (self.path / tool).unlink()
+            self._write(tool, f"exec {shlex.quote(str(Path(real, tool)))} \"$@\"\n")
 
     def _write(self, tool, then):
         """The note first: its place in the order counts."""

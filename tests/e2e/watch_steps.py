@@ -9,11 +9,12 @@ LATE = 3.0  # the server, the tools, and a look twenty times a second
 
 
 class WatchSteps:
-    def __init__(self, desktop, company, client, tools, photograph):
+    def __init__(self, desktop, company, client, tools, network, photograph):
         self._desktop = desktop
         self._company = company
         self._client = client
         self._tools = tools
+        self._network = network  # absent where there can be none
         self._photograph = photograph
 
     def page(self):
@@ -45,11 +46,15 @@ class WatchSteps:
                     "networksetup -setnetworkserviceenabled Wi-Fi on"]
         wait_for("the certificate deleted, Wi-Fi off, Wi-Fi on", lambda: self._tools.calls(marked) == expected, POLL + LATE)
         took = self._tools.now() - marked
+        locked_out = ""
+        if self._network:
+            self._network.expect_locked_out()
+            locked_out = "; nothing goes through the port any more"
         self._company.mark("unlock")
         wait_for("the certificate is gone", lambda: not self._installed())
         expect(not self._client.identity_files(), "its file is gone too")
         expect(self._client.session_file().exists() and self._client.windows() == [main.window], "the person stays signed in")
-        return f"{took:.1f} s after the mark: certificate gone, then Wi-Fi off and on"
+        return f"{took:.1f} s after the mark: certificate gone, then Wi-Fi off and on{locked_out}"
 
     def loss_signs_out(self):
         main = MainWindow(self._desktop, self._client)
@@ -71,6 +76,10 @@ class WatchSteps:
         self._desktop.key("Return")
         MainWindow(self._desktop, self._client)
         wait_for("the certificate", self._installed, 20.0)
+        joined = ""
+        if self._network:
+            self._network.wait_until_joined()
+            joined = ", joined again"
         asked = [status for *_, status in self._company.requests(STATUS)]
         expect(asked and set(asked) == {200}, f"every question was answered: {asked}")
-        return f"signed in again in the same client; {len(asked)} questions to the server in all"
+        return f"signed in again in the same client{joined}; {len(asked)} questions to the server in all"

@@ -47,14 +47,14 @@ RULES = """polkit.addRule(function(action, subject) {
 
 
 class Lab:
-    """To be made inside namespaces (`inside.enter`). Everything ends with `processes`."""
+    """To be made inside namespaces (`inside.enter`). Everything ends with `processes`. The system bus is at its usual place
+    in here, and for programs outside at FOLDER/bus."""
     RULES = RULES
 
     def __init__(self, processes, folder):
         self._processes = processes
         self._folder = Path(folder)
-        self.bus = f"unix:path={self._folder}/bus"
-        self.environment = {"DBUS_SYSTEM_BUS_ADDRESS": self.bus}
+        self.environment = {"DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={SYSTEM_BUS}"}
         self.switch = Switch(processes, folder)
         self.manager = None
         self._polkit = None
@@ -116,7 +116,7 @@ class Lab:
         self._processes.end(self._polkit)
 
     def wait_for_name(self, name):
-        call = ("dbus-send", f"--bus={self.bus}", "--print-reply", "--dest=org.freedesktop.DBus", "/", "org.freedesktop.DBus.NameHasOwner", f"string:{name}")
+        call = ("dbus-send", f"--bus=unix:path={SYSTEM_BUS}", "--print-reply", "--dest=org.freedesktop.DBus", "/", "org.freedesktop.DBus.NameHasOwner", f"string:{name}")
         wait_for(name, lambda: b"true" in output_of(*call))
 
     def nmcli(self, *words):

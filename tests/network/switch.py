@@ -14,8 +14,8 @@ OWN_ADDRESS = "10.77.0.201"  # outside what the switch gives away
 # A locked port lets only known stations through, and nothing is learned: the kernel itself keeps the others out.
 ON_STATION = """#!/bin/sh
 case $2 in
-    AP-STA-CONNECTED) bridge fdb replace "$3" dev {port} master static ;;
-    AP-STA-DISCONNECTED) bridge fdb del "$3" dev {port} master ;;
+    AP-STA-CONNECTED) {bridge} fdb replace "$3" dev {port} master static ;;
+    AP-STA-DISCONNECTED) {bridge} fdb del "$3" dev {port} master ;;
 esac
 """
 CONFIGURATION = """interface={port}
@@ -58,7 +58,7 @@ class Switch:
         self._run(program("bridge"), "link", "set", "dev", PORT, "locked", "on", "learning", "off")
         (self._folder / "eap_users").write_text("* TLS\n", encoding="utf-8")
         script = self._folder / "on_station"
-        script.write_text(ON_STATION.format(port=PORT), encoding="utf-8")
+        script.write_text(ON_STATION.format(bridge=program("bridge"), port=PORT), encoding="utf-8")
         script.chmod(0o755)
         self._start("service", ["/usr/bin/python3", "-m", "http.server", "--bind", SERVER, str(SERVICE), "--directory", str(self._folder)])
         self._start("addresses", [program("dnsmasq"), "--keep-in-foreground", "--conf-file=/dev/null", f"--interface={BRIDGE}", "--bind-interfaces",

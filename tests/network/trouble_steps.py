@@ -3,7 +3,7 @@ import os
 import signal
 import time
 
-from computer import PROFILE
+from computer import PROFILE, REFUSED
 from join_steps import EMPLOYEE, WIRED
 from processes import expect
 from switch import CABLE
@@ -22,12 +22,16 @@ class TroubleSteps:
 
     def silent_authenticator(self):
         self._chen.provision(self._joins.company, EMPLOYEE)
+        self._joins.root.provision(self._joins.company, EMPLOYEE)
         self._lab.switch.silence()
         code, said, took = self._chen.join()
-        expect(code == TIMED_OUT, f"no answer in time, not {code}: {said}")
-        expect(took < 20, f"it ends within 20 s, not {took:.1f}")
+        expect(code == REFUSED and "nobody answered" in said, f"not let in, not {code}: {said}")
+        code, said, heard = self._joins.root.join()
+        expect(code == TIMED_OUT and "does not answer" in said, f"no answer in time, not {code}: {said}")
+        expect(max(took, heard) < 20, f"both end within 20 s, not {took:.1f} and {heard:.1f}")
+        self._joins.root.remove()
         self._joins.back_to_the_company()
-        return f"given up after {took:.1f} s, then {self._joins.joins(self._chen)}"
+        return f"given up after {took:.1f} s; the administrator is told that nobody answers; then {self._joins.joins(self._chen)}"
 
     def cable_pulled_out(self):
         self._lab.switch.unplug()

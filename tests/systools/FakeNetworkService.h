@@ -30,6 +30,7 @@ public:
 
     bool running = true;
     int addsUntilFailure = -1;  ///< the last of so many fails; -1: none does
+    bool failsLate = false;     ///< and has done what it was told
     bool refusesRemoval = false;
     bool refusesSwitch = false;
     std::vector<Service::Installed> connections;
@@ -39,19 +40,21 @@ public:
 private:
     class Connected final : public Service {
     public:
-        explicit Connected(FakeNetwork& network) : network_(network) {}
+        /// Like the real one it sees the connections as they were when it connected.
+        explicit Connected(FakeNetwork& network) : network_(network), seen_(network.connections) {}
 
         std::vector<Installed> installed(const std::string& owner) override {
             std::vector<Installed> found;
-            for (const auto& each : network_.connections) {
+            for (const auto& each : seen_) {
                 if (each.connection.owner == owner) found.push_back(each);
             }
             return found;
         }
         util::Result<std::string> add(const systools::CompanyConnection& connection) override {
-            if (network_.addsUntilFailure > 0 && --network_.addsUntilFailure == 0)
-                return systools::toolError(systools::kForbidden, "not allowed");
-            network_.connections.push_back({"/" + std::to_string(++network_.made_), connection});
+            const bool fails = network_.addsUntilFailure > 0 && --network_.addsUntilFailure == 0;
+            if (!fails || network_.failsLate) network_.connections.push_back({"/" + std::to_string(++network_.made_), connection});
+            seen_ = network_.connections;
+            if (fails) return systools::toolError(systools::kForbidden, "not allowed");
             return network_.connections.back().handle;
         }
         util::Result<void> remove(const std::string& handle) override {
@@ -80,6 +83,7 @@ private:
 
     private:
         FakeNetwork& network_;
+        std::vector<Installed> seen_;
     };
 
     int made_ = 0;

@@ -54,7 +54,7 @@ protected:
     };
     Run run(const Arguments& arguments) {
         auto user = CallingUser::find();
-        ProfilesTool tool(ProfileInstaller({"chen", profiles()}, files_, identities_, net_.connector()), files_, *user);
+        ProfilesTool tool(ProfileInstaller(*user, profiles(), files_, identities_, net_.connector()), files_, *user);
         std::ostringstream out;
         std::ostringstream err;
         const int code = tool.run(arguments, out, err);
@@ -67,6 +67,7 @@ protected:
         return profiles() / identifier / "authorities.pem";
     }
 
+    const std::string me_ = CallingUser::find()->name();
     linux::PosixFileStore files_;
     IdentityFiles identities_{identityFiles(), files_};
     const util::Bytes identity_ = forge_.make({});

@@ -83,6 +83,9 @@ TEST_F(NetworksetupTest, of_several_failures_the_one_that_got_furthest_counts_an
 TEST_F(NetworksetupTest, nothing_is_tried_without_a_usable_certificate_or_a_known_network) {
     EXPECT_EQ(run({"-setairportnetwork", "en0", "test"}), kNoNetwork);
     net_.connections[0].connection.certificateEnds = 86400;
+    EXPECT_EQ(run({"-setairportnetwork", "en0", "test_dot1x"}), kSuccess);
+    EXPECT_EQ(net_.calls, Calls{"join /wired on any"}) << "a certificate that is still good is enough";
+    net_.connections[1].connection.certificateEnds = 86400;
     EXPECT_EQ(run({"-setairportnetwork", "en0", "test_dot1x"}), kRefused);
     EXPECT_NE(said().find("expired on 1970-01-02"), std::string::npos);
     std::filesystem::remove(identity_);

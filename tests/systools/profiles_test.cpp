@@ -5,7 +5,6 @@
 
 #include <sys/stat.h>
 
-#include <atomic>
 #include <thread>
 #include <tuple>
 
@@ -13,7 +12,7 @@ namespace halvane::systools {
 namespace {
 
 TEST_F(ProfileTest, makes_a_connection_for_each_network_and_undoes_exactly_that) {
-    net_.connections.push_back({"/other", {.profile = "com.other", .owner = "chen", .network = "x"}});
+    net_.connections.push_back({"/other", {.profile = "com.other", .owner = me_, .network = "x"}});
     net_.connections.push_back({"/li", {.profile = "com.example.net", .owner = "li", .network = "test_dot1x"}});
     const auto installed = install(profile(usual()));
     EXPECT_EQ(installed.code, kSuccess) << installed.err;
@@ -24,7 +23,7 @@ TEST_F(ProfileTest, makes_a_connection_for_each_network_and_undoes_exactly_that)
     EXPECT_EQ(wifi.medium, Medium::Wifi);
     EXPECT_EQ(wired.medium, Medium::Wired);
     for (const auto* each : {&wifi, &wired}) {
-        EXPECT_EQ(each->owner, "chen");
+        EXPECT_EQ(each->owner, me_);
         EXPECT_EQ(each->network, "test_dot1x");
         EXPECT_EQ(each->identityFile, identityFiles() / "chen.xiao.p12");
         EXPECT_EQ(each->identityPassword, "pw");
@@ -78,7 +77,28 @@ TEST_F(ProfileTest, an_installation_that_fails_on_its_way_leaves_all_as_it_was) 
     net_.running = false;
     std::filesystem::remove_all(profiles());
     EXPECT_EQ(install(profile(changed)).code, kNoService);
-    EXPECT_FALSE(std::filesystem::exists(profiles()));
+    EXPECT_FALSE(std::filesystem::exists(profiles() / "com.example.net"));
+    net_.running = true;
+
+    // An order that is carried out although its answer came too late.
+    net_.connections.clear();
+    net_.addsUntilFailure = 2;
+    net_.failsLate = true;
+    EXPECT_EQ(install(profile(usual())).code, kForbidden);
+    EXPECT_TRUE(net_.connections.empty());
+}
+
+TEST_F(ProfileTest, what_network_manager_does_not_give_up_goes_with_the_next_installation) {
+    ASSERT_EQ(install(profile(usual())).code, kSuccess);
+    net_.refusesRemoval = true;
+    const auto kept = install(profile(usual()));
+    EXPECT_EQ(kept.code, kFailure);
+    EXPECT_NE(kept.err.find("kept /1"), std::string::npos);
+    EXPECT_EQ(run({"remove", "-identifier", "com.example.net"}).code, kFailure);
+    EXPECT_TRUE(std::filesystem::exists(authorities())) << "the connections that are left need it";
+    net_.refusesRemoval = false;
+    ASSERT_EQ(install(profile(usual())).code, kSuccess);
+    EXPECT_EQ(net_.connections.size(), 2U);
 }
 
 TEST_F(ProfileTest, a_certificate_has_to_be_in_the_store_and_to_open) {
@@ -90,7 +110,7 @@ TEST_F(ProfileTest, a_certificate_has_to_be_in_the_store_and_to_open) {
     };
     const auto other = forge_.make({.commonName = "li.wen"});
     const Row rows[] = {
-        {"wrong password", certificate(identity_, "no"), kWrongPassword, "wrong password"},
+        {"wrong password", certificate(identity_, "n0-such-pw"), kWrongPassword, "wrong password"},
         {"not in the store", certificate(other), kNotFound, "\"li.wen\" is not in the certificate store"},
         {"no certificate", certificate("certainly not"), kMalformed, "damaged, or not a PKCS#12"},
         {"nothing", certificate(""), kMalformed, "holds no certificate"},
@@ -103,13 +123,15 @@ TEST_F(ProfileTest, a_certificate_has_to_be_in_the_store_and_to_open) {
         const auto result = install(profile(payloads));
         EXPECT_EQ(result.code, code);
         EXPECT_NE(result.err.find(says), std::string::npos) << result.err;
-        EXPECT_EQ(result.err.find("pw"), std::string::npos);
+        EXPECT_EQ(result.err.find(*payload.find("Password")->text()), std::string::npos);
     }
     EXPECT_TRUE(net_.connections.empty());
 
     // Newly issued under the same name and password: the store's is the one that joins.
     store("chen.xiao", forge_.make({}));
     EXPECT_EQ(install(profile(usual())).code, kSuccess);
+    store("chen.xiao", forge_.make({.commonName = "somebody.else"}));
+    EXPECT_EQ(install(profile(usual())).code, kWrongPassword);
     store("chen.xiao", forge_.make({.password = "another"}));
     EXPECT_EQ(install(profile(usual())).code, kWrongPassword);
 }
@@ -125,7 +147,11 @@ TEST_F(ProfileTest, what_is_no_usable_profile_is_named_and_changes_nothing) {
         payloads.erase(payloads.begin() + static_cast<std::ptrdiff_t>(index));
         return profile(payloads);
     };
+    // One that is a whole profile, and then more.
+    auto huge = usual();
+    huge.push_back(util::Dictionary{{"PayloadType", std::string(5'000'000, 'x')}});
     const std::pair<util::Value, const char*> rows[] = {
+        {profile(huge), "larger than 4 MiB"},
         {List{}, "no dictionary"},
         {profile({}), "no payloads"},
         {util::Dictionary{{"PayloadIdentifier", "x"}, {"PayloadContent", "x"}}, "no payloads"},
@@ -189,18 +215,32 @@ TEST_F(ProfileTest, arguments_that_make_no_sense_are_answered_with_the_usage) {
     EXPECT_EQ(run({"--help"}).code, kSuccess);
 }
 
-TEST_F(ProfileTest, a_second_installation_waits_for_its_turn) {
+TEST_F(ProfileTest, a_second_installation_waits_for_its_turn_and_replaces_what_came_meanwhile) {
     ASSERT_TRUE(files_.makeDirectory(profiles()));
     auto held = std::make_unique<util::Result<StoreLock>>(StoreLock::take(profiles() / ".lock"));
-    std::atomic<bool> given{false};
-    std::thread later([&] {
+    // The first one, at its end.
+    std::thread first([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        given = true;
+        net_.connections.push_back({"/first", {.profile = "com.example.net", .owner = me_, .network = "old"}});
         held.reset();
     });
-    EXPECT_EQ(install(profile(usual())).code, kSuccess);
-    EXPECT_TRUE(given);
-    later.join();
+    const auto second = install(profile(usual()));
+    first.join();
+    EXPECT_EQ(second.code, kSuccess);
+    EXPECT_EQ(net_.handles(), (std::vector<std::string>{"/1", "/2"}));
+}
+
+TEST_F(ProfileTest, files_go_from_where_the_connections_say_they_are_and_from_nowhere_else) {
+    const auto elsewhere = home_.path() / "elsewhere/com.example.net/authorities.pem";
+    const auto precious = home_.path() / "precious/authorities.pem";
+    for (const auto& path : {elsewhere, precious}) {
+        ASSERT_TRUE(files_.makeDirectory(path.parent_path()));
+        ASSERT_TRUE(files_.write(path, "pem"));
+        net_.connections.push_back({path, {.profile = "com.example.net", .owner = me_, .authoritiesFile = path}});
+    }
+    EXPECT_EQ(run({"remove", "-identifier", "com.example.net"}).code, kSuccess);
+    EXPECT_FALSE(std::filesystem::exists(elsewhere.parent_path()));
+    EXPECT_TRUE(std::filesystem::exists(precious));
 }
 
 TEST_F(ProfileTest, programs_without_a_network_service_say_so_at_once) {

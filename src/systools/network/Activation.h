@@ -8,6 +8,8 @@
 
 namespace halvane::systools {
 
+class SupplicantMessages;
+
 /// One connection being joined on one device, from the order to its outcome. One thread, that of the client.
 class Activation {
 public:
@@ -20,15 +22,15 @@ public:
     util::Result<void> start(linux::GioCalls& calls);
 
     [[nodiscard]] bool ended() const;
-    /// Absent: joined. `heard` is what the supplicant said, if anything.
-    [[nodiscard]] std::optional<util::Error> outcome(const std::optional<std::string>& heard) const;
+    /// Absent: joined. `heard`: what the supplicant said, where it can only have spoken of this one.
+    [[nodiscard]] std::optional<util::Error> outcome(const SupplicantMessages* heard) const;
 
 private:
     static void onStateChanged(NMDevice* device, unsigned now, unsigned before, unsigned reason, void* self);
     [[nodiscard]] NMActiveConnectionState state() const;
 
     NMClient& client_;
-    NMConnection& connection_;
+    const linux::GObjectPointer<NMConnection> connection_;
     const linux::GObjectPointer<NMDevice> device_;
     unsigned long handler_ = 0;
     linux::GObjectPointer<NMActiveConnection> active_;

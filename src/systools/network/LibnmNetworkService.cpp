@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <string_view>
 
 namespace halvane::systools {
@@ -19,13 +20,23 @@ constexpr auto kCallTime = 5s;
 /// A join takes two or three seconds, a refusal four.
 constexpr auto kJoinTime = 13s;
 /// All calls together: a program that is ended by its alarm can say nothing any more.
-constexpr auto kAllTime = 18s;
+constexpr auto kAllTime = 15s;
+/// Beyond that, for each of the few connections that may have to be removed: what is half made must not stay.
+constexpr auto kUndoTime = 1s;
 
 template <typename Range>
 std::vector<NMDevice*> devicesOf(const Range* devices) {
     std::vector<NMDevice*> all;
     for (unsigned i = 0; i < devices->len; ++i) all.push_back(NM_DEVICE(g_ptr_array_index(devices, i)));
     return all;
+}
+
+/// Of a cable. NetworkManager goes on for some seconds after it was pulled out.
+bool hasCarrier(NMDevice& device) {
+    gboolean carrier = TRUE;
+    if (g_object_class_find_property(G_OBJECT_GET_CLASS(&device), "carrier") != nullptr)
+        g_object_get(&device, "carrier", &carrier, nullptr);
+    return carrier != FALSE;
 }
 
 bool offers(NMDeviceWifi* device, const std::string& ssid) {
@@ -72,11 +83,9 @@ std::vector<NetworkService::Installed> LibnmNetworkService::installed(const std:
 util::Result<std::string> LibnmNetworkService::add(const CompanyConnection& connection) {
     giveTime(kCallTime);
     const auto settings = ConnectionSettings::make(connection);
-    constexpr auto kFlags = static_cast<NMSettingsAddConnection2Flags>(NM_SETTINGS_ADD_CONNECTION2_FLAG_TO_DISK |
-                                                                       NM_SETTINGS_ADD_CONNECTION2_FLAG_BLOCK_AUTOCONNECT);
     const auto result = calls_.wait([&](GCancellable* cancellable, GAsyncReadyCallback callback, void* data) {
-        nm_client_add_connection2(client_.get(), nm_connection_to_dbus(settings.get(), NM_CONNECTION_SERIALIZE_ALL), kFlags, nullptr, TRUE,
-                                  cancellable, callback, data);
+        nm_client_add_connection2(client_.get(), nm_connection_to_dbus(settings.get(), NM_CONNECTION_SERIALIZE_ALL),
+                                  NM_SETTINGS_ADD_CONNECTION2_FLAG_TO_DISK, nullptr, TRUE, cancellable, callback, data);
     });
     const linux::GObjectPointer<NMRemoteConnection> added(
         nm_client_add_connection2_finish(client_.get(), result.get(), nullptr, calls_.error()));
@@ -85,10 +94,11 @@ util::Result<std::string> LibnmNetworkService::add(const CompanyConnection& conn
 }
 
 util::Result<void> LibnmNetworkService::remove(const std::string& handle) {
-    if (auto left = leave(handle); !left) return left;
+    // To delete it takes it down as well, only later. It matters more than what leaving answers.
+    (void)leave(handle);
     auto* connection = nm_client_get_connection_by_path(client_.get(), handle.c_str());
     if (connection == nullptr) return {};
-    giveTime(kCallTime);
+    calls_.allow(kUndoTime);
     const auto result = calls_.wait([connection](GCancellable* cancellable, GAsyncReadyCallback callback, void* data) {
         nm_remote_connection_delete_async(connection, cancellable, callback, data);
     });
@@ -146,61 +156,97 @@ bool LibnmNetworkService::isInReach(NMDevice& device, const CompanyConnection& c
     return calls_.waitUntil([&] { return offers(wifi, connection.network); });
 }
 
-util::Result<NMDevice*> LibnmNetworkService::deviceFor(const Installed& installed, NMConnection& connection,
-                                                       const std::optional<std::string>& interface) {
-    NMDevice* able = nullptr;
+util::Result<LibnmNetworkService::Device> LibnmNetworkService::deviceFor(const Installed& installed, NMConnection& connection,
+                                                                         const std::optional<std::string>& interface,
+                                                                         const std::set<std::string>& taken) {
+    Device able;
     bool ofTheKind = false;
+    bool isTaken = false;
     for (NMDevice* device : devicesOf(nm_client_get_devices(client_.get()))) {
         const char* name = nm_device_get_iface(device);
-        if (interface && (name == nullptr || *interface != name)) continue;
+        if (name == nullptr || (interface && *interface != name)) continue;
         if (nm_device_connection_compatible(device, &connection, nullptr) == FALSE) continue;
         ofTheKind = true;
         // "Unavailable" is a cable that is not plugged in, or a radio that is off.
-        if (nm_device_get_state(device) < NM_DEVICE_STATE_DISCONNECTED) continue;
+        if (nm_device_get_state(device) < NM_DEVICE_STATE_DISCONNECTED || !hasCarrier(*device)) continue;
+        isTaken = isTaken || taken.contains(name);
+        if (taken.contains(name)) continue;
         auto* active = nm_device_get_active_connection(device);
-        if (active != nullptr && active == activeOf(installed.handle)) return device;
-        if (able == nullptr || nm_device_get_state(able) > NM_DEVICE_STATE_DISCONNECTED) able = device;
+        const bool isOurs = active != nullptr && active == activeOf(installed.handle);
+        if (isOurs || !able || nm_device_get_state(able.get()) > NM_DEVICE_STATE_DISCONNECTED) able.reset(NM_DEVICE(g_object_ref(device)));
+        if (isOurs) break;
     }
     const bool wired = installed.connection.medium == Medium::Wired;
     if (!ofTheKind) return toolError(kNoDevice, wired ? "there is no wired device for it" : "there is no Wi-Fi device for it");
-    if (able == nullptr) return toolError(kNoDevice, wired ? "no cable is plugged in" : "the radio is off");
+    if (!able && isTaken) return toolError(kNoDevice, "its device has joined another network");
+    if (!able) return toolError(kNoDevice, wired ? "no cable is plugged in" : "the radio is off");
     if (!isInReach(*able, installed.connection)) return toolError(kNoNetwork, "the network is out of reach");
     return able;
 }
 
-std::vector<NetworkService::Attempt> LibnmNetworkService::join(const std::vector<Installed>& connections,
-                                                               const std::optional<std::string>& interface) {
-    const SupplicantMessages heard(nm_client_get_dbus_connection(client_.get()));
-    std::vector<Attempt> attempts;
-    std::vector<std::unique_ptr<Activation>> activations;
-    for (const auto& each : connections) {
-        auto& attempt = attempts.emplace_back(Attempt{.network = each.connection.network});
-        auto& activation = activations.emplace_back();
-        auto* connection = NM_CONNECTION(nm_client_get_connection_by_path(client_.get(), each.handle.c_str()));
-        if (connection == nullptr) {
-            attempt.why = toolError(kNoNetwork, "it was removed meanwhile");
+/// Those that are started on devices which no other of this round has, and which none has joined with.
+struct LibnmNetworkService::Round {
+    std::map<std::size_t, std::unique_ptr<Activation>> activations;  // by the attempt's number
+    std::set<std::string> devices;
+};
+
+LibnmNetworkService::Round LibnmNetworkService::start(const std::vector<Installed>& connections,
+                                                      const std::optional<std::string>& interface, std::vector<Attempt>& attempts,
+                                                      std::set<std::size_t>& waiting, const std::set<std::string>& joined) {
+    Round round;
+    for (const std::size_t i : std::set(waiting)) {
+        const Installed& each = connections[i];
+        auto* found = nm_client_get_connection_by_path(client_.get(), each.handle.c_str());
+        if (found == nullptr) {
+            attempts[i].why = toolError(kNoNetwork, "it was removed meanwhile");
+            waiting.erase(i);
             continue;
         }
-        const auto device = deviceFor(each, *connection, interface);
+        const linux::GObjectPointer<NMConnection> connection(NM_CONNECTION(g_object_ref(found)));
+        auto taken = joined;
+        taken.insert(round.devices.begin(), round.devices.end());
+        const auto device = deviceFor(each, *connection, interface, taken);
         if (!device) {
-            attempt.why = device.error();
+            // Its only device may be trying another one just now: then its turn comes when that has failed.
+            if (!round.devices.empty() && deviceFor(each, *connection, interface, joined)) continue;
+            attempts[i].why = device.error();
+            waiting.erase(i);
             continue;
         }
-        attempt.device = nm_device_get_iface(*device);
-        activation = std::make_unique<Activation>(*client_, *connection, **device);
+        waiting.erase(i);
+        attempts[i].device = nm_device_get_iface(device->get());
+        auto activation = std::make_unique<Activation>(*client_, *connection, **device);
         giveTime(kCallTime);
         if (auto started = activation->start(calls_); !started) {
-            attempt.why = started.error();
-            activation.reset();
+            attempts[i].why = started.error();
+            continue;
         }
+        round.devices.insert(attempts[i].device);
+        round.activations.emplace(i, std::move(activation));
     }
+    return round;
+}
 
-    giveTime(kJoinTime);
-    calls_.waitUntil([&] { return std::ranges::all_of(activations, [](const auto& each) { return !each || each->ended(); }); });
-    const auto underWay = std::ranges::count_if(activations, [](const auto& each) { return each != nullptr; });
-    for (std::size_t i = 0; i < activations.size(); ++i) {
-        // The supplicant does not say which of several it speaks of.
-        if (activations[i]) attempts[i].why = activations[i]->outcome(underWay == 1 ? heard.reason() : std::nullopt);
+std::vector<NetworkService::Attempt> LibnmNetworkService::join(const std::vector<Installed>& connections,
+                                                               const std::optional<std::string>& interface) {
+    std::vector<Attempt> attempts;
+    std::set<std::size_t> waiting;
+    for (const auto& each : connections) {
+        waiting.insert(attempts.size());
+        attempts.push_back({.network = each.connection.network});
+    }
+    std::set<std::string> joined;
+    while (!waiting.empty()) {
+        const SupplicantMessages heard(nm_client_get_dbus_connection(client_.get()));
+        const Round round = start(connections, interface, attempts, waiting, joined);
+        giveTime(kJoinTime);
+        calls_.waitUntil([&] { return std::ranges::all_of(round.activations, [](const auto& each) { return each.second->ended(); }); });
+        for (const auto& [i, activation] : round.activations) {
+            // The supplicant does not say which of several it speaks of.
+            attempts[i].why = activation->outcome(round.activations.size() == 1 ? &heard : nullptr);
+            if (!attempts[i].why) joined.insert(attempts[i].device);
+        }
+        if (round.activations.empty()) break;
     }
     return attempts;
 }

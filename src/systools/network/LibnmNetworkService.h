@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <memory>
+#include <set>
 
 namespace halvane::systools {
 
@@ -23,9 +24,15 @@ public:
     util::Result<void> setWireless(bool on) override;
 
 private:
+    using Device = linux::GObjectPointer<NMDevice>;
+    struct Round;
+
     LibnmNetworkService();
     [[nodiscard]] NMActiveConnection* activeOf(const std::string& handle) const;
-    util::Result<NMDevice*> deviceFor(const Installed& installed, NMConnection& connection, const std::optional<std::string>& interface);
+    util::Result<Device> deviceFor(const Installed& installed, NMConnection& connection, const std::optional<std::string>& interface,
+                                   const std::set<std::string>& taken);
+    Round start(const std::vector<Installed>& connections, const std::optional<std::string>& interface, std::vector<Attempt>& attempts,
+                std::set<std::size_t>& waiting, const std::set<std::string>& joined);
     bool isInReach(NMDevice& device, const CompanyConnection& connection);
 
     void giveTime(std::chrono::milliseconds wanted);

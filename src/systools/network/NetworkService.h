@@ -30,13 +30,14 @@ public:
 
     /// Those that profiles of `owner` made, in the order in which they were made.
     virtual std::vector<Installed> installed(const std::string& owner) = 0;
-    /// Nothing is joined by this, not even on its own accord, until `join`. Answers the handle.
+    /// It joins from now on by its own accord, whenever it can. Answers the handle.
     virtual util::Result<std::string> add(const CompanyConnection& connection) = 0;
-    /// Takes it down first. One that is not there is a success.
+    /// Takes it down, too. One that is not there is a success.
     virtual util::Result<void> remove(const std::string& handle) = 0;
 
-    /// Joins each of them on a device that can, all at the same time, anew where it is joined already. With
-    /// `interface` only on that one. One attempt for each, in their order.
+    /// Joins each of them on a device that can, anew where it is joined already; at the same time where there are
+    /// several devices, and on one device until the first that succeeds. With `interface` only on that one. One attempt
+    /// for each, in their order.
     virtual std::vector<Attempt> join(const std::vector<Installed>& connections, const std::optional<std::string>& interface) = 0;
     /// Ends its use. One that is not in use is a success.
     virtual util::Result<void> leave(const std::string& handle) = 0;

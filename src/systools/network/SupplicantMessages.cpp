@@ -1,12 +1,15 @@
 #include "systools/network/SupplicantMessages.h"
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <string_view>
 
 namespace halvane::systools {
 
-SupplicantMessages::SupplicantMessages(GDBusConnection* bus) : bus_(G_DBUS_CONNECTION(g_object_ref(bus))) {
-    subscription_ = g_dbus_connection_signal_subscribe(bus_, nullptr, "fi.w1.wpa_supplicant1.Interface", "EAP", nullptr, nullptr,
-                                                       G_DBUS_SIGNAL_FLAGS_NONE, &SupplicantMessages::onEap, this, nullptr);
+SupplicantMessages::SupplicantMessages(GDBusConnection* bus) : bus_(G_DBUS_CONNECTION(g_object_ref(bus))), mayListen_(::geteuid() == 0) {
+    subscription_ = g_dbus_connection_signal_subscribe(bus_, "fi.w1.wpa_supplicant1", "fi.w1.wpa_supplicant1.Interface", "EAP", nullptr,
+                                                       nullptr, G_DBUS_SIGNAL_FLAGS_NONE, &SupplicantMessages::onEap, this, nullptr);
 }
 
 SupplicantMessages::~SupplicantMessages() {
@@ -19,14 +22,20 @@ void SupplicantMessages::onEap(GDBusConnection*, const char*, const char*, const
     const char* status = nullptr;
     const char* detail = nullptr;
     g_variant_get(parameters, "(&s&s)", &status, &detail);
-    auto& reason = static_cast<SupplicantMessages*>(self)->reason_;
+    auto& messages = *static_cast<SupplicantMessages*>(self);
+    auto& reason = messages.reason_;
+    messages.begun_ = true;
     const std::string_view about = status;
-    if (about == "remote certificate verification" && std::string_view(detail) != "success") {
-        reason = std::string("the network's authenticator is not the company's: ") + detail;
+    std::string text = detail;
+    // It comes from the other side of the cable.
+    std::ranges::replace_if(
+        text, [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
+    if (about == "remote certificate verification" && text != "success") {
+        reason = std::string("the network's authenticator is not the company's: ") + text;
     } else if (about == "remote TLS alert" && !reason) {
-        reason = std::string("the network's authenticator did not take the certificate: ") + detail;
+        reason = std::string("the network's authenticator did not take the certificate: ") + text;
     } else if (about == "local TLS alert" && !reason) {
-        reason = std::string("the network's authenticator was not trusted: ") + detail;
+        reason = std::string("the network's authenticator was not trusted: ") + text;
     }
 }
 

@@ -18,8 +18,10 @@ public:
     SupplicantMessages(const SupplicantMessages&) = delete;
     SupplicantMessages& operator=(const SupplicantMessages&) = delete;
 
-    /// Why the last authentication failed, as a clause; absent when nothing was heard.
+    /// Why an authentication failed, as a clause; absent when nothing was heard.
     [[nodiscard]] const std::optional<std::string>& reason() const { return reason_; }
+    /// Whether nobody at all has spoken to the supplicant. Never known to who is not allowed to listen.
+    [[nodiscard]] bool onlySilence() const { return mayListen_ && !begun_; }
 
 private:
     static void onEap(GDBusConnection* bus, const char* sender, const char* path, const char* interface, const char* signal,
@@ -27,6 +29,8 @@ private:
 
     GDBusConnection* const bus_;
     unsigned subscription_ = 0;
+    const bool mayListen_;
+    bool begun_ = false;
     std::optional<std::string> reason_;
 };
 

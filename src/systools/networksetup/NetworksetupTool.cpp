@@ -81,9 +81,10 @@ int NetworksetupTool::join(const std::string& interface, const std::string& netw
     auto connections = (*service)->installed(owner_);
     std::erase_if(connections, [&](const auto& each) { return each.connection.network != network; });
     if (connections.empty()) return failed(err, toolError(kNoNetwork, "no installed profile has the network " + network));
-    for (const auto& each : connections) {
-        if (const auto why = unusable(each.connection)) return failed(err, *why, network);
-    }
+    // Another profile may have the same network with a certificate that is still there.
+    const auto why = unusable(connections.front().connection);
+    std::erase_if(connections, [](const auto& each) { return unusable(each.connection).has_value(); });
+    if (connections.empty()) return failed(err, *why, network);
 
     const auto attempts = (*service)->join(connections, interface == kPrimaryInterface ? std::nullopt : std::optional(interface));
     if (std::ranges::any_of(attempts, [](const auto& attempt) { return !attempt.why; })) return kSuccess;

@@ -5,19 +5,17 @@
 #include "systools/security/StoreLock.h"
 
 #include <algorithm>
+#include <chrono>
 #include <optional>
+#include <set>
 
 namespace halvane::systools {
 
 namespace {
 
 constexpr const char* kLockFile = ".lock";
-
-std::vector<NetworkService::Installed> ofProfile(NetworkService& service, const std::string& owner, const std::string& identifier) {
-    auto found = service.installed(owner);
-    std::erase_if(found, [&](const auto& each) { return each.connection.profile != identifier; });
-    return found;
-}
+/// For one's turn; what NetworkManager may take comes on top of it.
+constexpr std::chrono::seconds kLongestWait{4};
 
 /// Tries all of them; the first error.
 util::Result<void> removeAll(NetworkService& service, const std::vector<NetworkService::Installed>& connections) {
@@ -41,11 +39,13 @@ util::Result<void> ProfileInstaller::resolveIdentity(const ConfigurationProfile:
     const auto stored = identities_.read(name);
     if (!stored) return stored.error();
     if (!*stored) return toolError(kNotFound, "its certificate \"" + name + "\" is not in the certificate store; import it first");
-    if (**stored != payload.pkcs12 && !Pkcs12File::open(**stored, payload.password))
+    // The store's is the one that joins, also where a newer one has come since.
+    const auto own = Pkcs12File::open(**stored, payload.password);
+    if (!own || own->certificate.commonName != name)
         return toolError(kWrongPassword, "the certificate store has another certificate \"" + name + "\", with another password");
     connection.identityFile = identities_.pathOf(name);
     connection.identityPassword = payload.password;
-    connection.certificateEnds = identity->certificate.ends;
+    connection.certificateEnds = own->certificate.ends;
     if (connection.userName.empty()) connection.userName = name;
     return {};
 }
@@ -54,7 +54,7 @@ util::Result<std::vector<CompanyConnection>> ProfileInstaller::plan(const Config
     std::vector<CompanyConnection> connections;
     for (const auto& network : profile.networks) {
         CompanyConnection connection{.profile = profile.identifier,
-                                     .owner = place_.owner,
+                                     .owner = user_.name(),
                                      .medium = network.medium,
                                      .network = network.name,
                                      .hidden = network.hidden,
@@ -82,27 +82,46 @@ util::Result<util::Bytes> ProfileInstaller::authoritiesOf(const ConfigurationPro
     return all;
 }
 
-util::Result<void> ProfileInstaller::addAll(NetworkService& service, const std::vector<CompanyConnection>& connections) {
-    std::vector<std::string> added;
+util::Result<StoreLock> ProfileInstaller::takeTurn() {
+    return user_.asThatUser([this]() -> util::Result<StoreLock> {
+        if (auto made = files_.makeDirectory(directory_); !made) return made.error();
+        auto lock = StoreLock::take(directory_ / kLockFile, kLongestWait);
+        if (lock || lock.error().domain != util::kServiceErrorDomain) return lock;
+        return toolError(kTimedOut, lock.error().description);
+    });
+}
+
+std::vector<NetworkService::Installed> ProfileInstaller::connectionsOf(NetworkService& service, const std::string& identifier) const {
+    auto found = service.installed(user_.name());
+    std::erase_if(found, [&](const auto& each) { return each.connection.profile != identifier; });
+    return found;
+}
+
+util::Result<void> ProfileInstaller::make(NetworkService& service, const std::vector<CompanyConnection>& connections,
+                                          const util::Bytes& authorities) {
     for (const auto& connection : connections) {
-        auto handle = service.add(connection);
-        if (handle) {
-            added.push_back(*std::move(handle));
-            continue;
-        }
-        auto error = handle.error();
-        for (const auto& each : added) {
-            if (auto removed = service.remove(each); !removed) error.description += "; and " + removed.error().description;
-        }
-        return error;
+        if (auto made = files_.makeDirectory(connection.authoritiesFile.parent_path()); !made) return made;
+        if (auto written = files_.write(connection.authoritiesFile, authorities); !written) return written;
+        if (auto added = service.add(connection); !added) return added.error();
     }
     return {};
 }
 
-util::Result<void> ProfileInstaller::restore(const std::string& identifier, const std::optional<util::Bytes>& authorities) {
-    if (authorities) return files_.write(authoritiesFile(identifier), *authorities);
-    const auto removed = removeFiles(identifier);
-    return removed ? util::Result<void>() : util::Result<void>(removed.error());
+util::Error ProfileInstaller::undo(NetworkService& service, const Work& work, util::Error error) {
+    // By looking, not by what was answered: an order whose answer came too late was carried out all the same.
+    std::set<std::string> olderHandles;
+    for (const auto& each : work.older) olderHandles.insert(each.handle);
+    auto made = connectionsOf(service, work.identifier);
+    std::erase_if(made, [&](const auto& each) { return olderHandles.contains(each.handle); });
+    util::Result<void> undone = removeAll(service, made);
+    if (!undone) error.description += "; and " + undone.error().description;
+    if (work.authorities) {
+        undone = files_.write(authoritiesFile(work.identifier), *work.authorities);
+    } else if (auto removed = removeFiles(work.identifier, {}); !removed) {
+        undone = removed.error();
+    }
+    if (!undone) error.description += "; and " + undone.error().description;
+    return error;
 }
 
 util::Result<std::vector<std::string>> ProfileInstaller::install(const ConfigurationProfile& profile) {
@@ -110,45 +129,50 @@ util::Result<std::vector<std::string>> ProfileInstaller::install(const Configura
     if (!connections) return connections.error();
     const auto authorities = authoritiesOf(profile);
     if (!authorities) return authorities.error();
+
+    // Whoever connects earlier sees the connections as they were before another installation.
+    const auto turn = takeTurn();
+    if (!turn) return turn.error();
     const auto service = connect_();
     if (!service) return service.error();
+    Work work{.identifier = profile.identifier, .older = connectionsOf(**service, profile.identifier)};
+    if (auto read = files_.read(authoritiesFile(profile.identifier))) work.authorities = *std::move(read);
 
-    if (auto made = files_.makeDirectory(directoryOf(profile.identifier)); !made) return made.error();
-    const auto lock = StoreLock::take(place_.directory / kLockFile);
-    if (!lock) return lock.error();
-    const auto file = authoritiesFile(profile.identifier);
-    std::optional<util::Bytes> before;
-    if (auto read = files_.read(file)) before = *std::move(read);
-    const auto older = ofProfile(**service, place_.owner, profile.identifier);
-
-    auto done = files_.write(file, *authorities);
-    if (done) done = addAll(**service, *connections);
-    if (!done) {
-        const auto restored = restore(profile.identifier, before);
-        auto error = done.error();
-        if (!restored) error.description += "; and " + restored.error().description;
-        return error;
-    }
-    if (auto removed = removeAll(**service, older); !removed) return removed.error();
+    if (auto made = make(**service, *connections, *authorities); !made) return undo(**service, work, made.error());
+    if (auto removed = removeAll(**service, work.older); !removed) return removed.error();
     std::vector<std::string> names;
     for (const auto& connection : *connections)
         names.push_back((connection.medium == Medium::Wifi ? "Wi-Fi " : "wired ") + connection.network);
     return names;
 }
 
-util::Result<bool> ProfileInstaller::removeConnections(const std::string& identifier) {
+util::Result<void> ProfileInstaller::remove(const std::string& identifier) {
+    const auto turn = takeTurn();
+    if (!turn) return turn.error();
     const auto service = connect_();
     if (!service) return service.error();
-    const auto connections = ofProfile(**service, place_.owner, identifier);
-    if (auto removed = removeAll(**service, connections); !removed) return removed.error();
-    return !connections.empty();
+    const auto connections = connectionsOf(**service, identifier);
+    if (auto removed = removeAll(**service, connections); !removed) return removed;
+    const auto hadFiles = user_.asThatUser([&] { return removeFiles(identifier, connections); });
+    if (!hadFiles) return hadFiles.error();
+    if (connections.empty() && !*hadFiles) return toolError(kNotFound, "there is no profile " + identifier);
+    return {};
 }
 
-util::Result<bool> ProfileInstaller::removeFiles(const std::string& identifier) {
-    std::error_code error;
-    const auto count = std::filesystem::remove_all(directoryOf(identifier), error);
-    if (error) return util::fileError(error.value(), "remove " + directoryOf(identifier).string());
-    return count > 0;
+util::Result<bool> ProfileInstaller::removeFiles(const std::string& identifier, const std::vector<NetworkService::Installed>& connections) {
+    // Behind the administrator nobody knows where the user keeps their data; the connections do.
+    std::set<std::filesystem::path> directories{directoryOf(identifier)};
+    for (const auto& each : connections) {
+        const auto& file = each.connection.authoritiesFile;
+        if (file.filename() == kAuthoritiesFile && file.parent_path().filename() == identifier) directories.insert(file.parent_path());
+    }
+    bool any = false;
+    for (const auto& directory : directories) {
+        std::error_code error;
+        any = std::filesystem::remove_all(directory, error) > 0 || any;
+        if (error) return util::fileError(error.value(), "remove " + directory.string());
+    }
+    return any;
 }
 
 }  // namespace halvane::systools

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "systools/CallingUser.h"
 #include "systools/network/NetworkService.h"
 #include "systools/profiles/ConfigurationProfile.h"
 #include "systools/security/IdentityFiles.h"
+#include "systools/security/StoreLock.h"
 
 #include <functional>
 #include <memory>
@@ -19,36 +21,47 @@ class ProfileInstaller {
 public:
     using Connect = std::function<util::Result<std::unique_ptr<NetworkService>>()>;
 
-    struct Place {
-        std::string owner;                ///< user name
-        std::filesystem::path directory;  ///< of all profiles of that user
-    };
-
-    /// `files` and `identities` must outlive it. `connect` is asked when everything else was found right.
-    ProfileInstaller(Place place, platform::FileStore& files, const IdentityFiles& identities, Connect connect)
-        : place_(std::move(place)), files_(files), identities_(identities), connect_(std::move(connect)) {}
+    /// `directory`: of all that user's profiles. `files` and `identities` must outlive it.
+    ProfileInstaller(CallingUser user, std::filesystem::path directory, platform::FileStore& files, const IdentityFiles& identities,
+                     Connect connect)
+        : user_(std::move(user)), directory_(std::move(directory)), files_(files), identities_(identities), connect_(std::move(connect)) {}
 
     /// All or nothing, in the place of an older profile of the same identifier. The identities have to be in the
     /// certificate store already: what was deleted there is not brought back by a profile. Answers the networks' names.
+    /// Should NetworkManager not give up what it had of the older profile, the error says so and both are there; the next
+    /// installation or removal takes all of it.
     util::Result<std::vector<std::string>> install(const ConfigurationProfile& profile);
 
-    /// A removal's two parts: the first needs NetworkManager only, the second the user's files only. Each answers whether
-    /// there was anything.
-    util::Result<bool> removeConnections(const std::string& identifier);
-    util::Result<bool> removeFiles(const std::string& identifier);
+    /// Works for the calling user also behind the administrator: NetworkManager is asked with all rights, files are
+    /// touched with that user's. Error kNotFound: no such profile.
+    util::Result<void> remove(const std::string& identifier);
 
 private:
-    [[nodiscard]] std::filesystem::path directoryOf(const std::string& identifier) const { return place_.directory / identifier; }
+    /// What an installation has made so far, and what was there before it.
+    struct Work {
+        std::string identifier;
+        std::vector<NetworkService::Installed> older;
+        std::optional<util::Bytes> authorities;  ///< of the older profile
+    };
+
+    [[nodiscard]] std::filesystem::path directoryOf(const std::string& identifier) const { return directory_ / identifier; }
     [[nodiscard]] std::filesystem::path authoritiesFile(const std::string& identifier) const {
-        return directoryOf(identifier) / "authorities.pem";
+        return directoryOf(identifier) / kAuthoritiesFile;
     }
+    util::Result<StoreLock> takeTurn();
+    [[nodiscard]] std::vector<NetworkService::Installed> connectionsOf(NetworkService& service, const std::string& identifier) const;
     util::Result<std::vector<CompanyConnection>> plan(const ConfigurationProfile& profile) const;
     util::Result<void> resolveIdentity(const ConfigurationProfile::Identity& payload, CompanyConnection& connection) const;
     static util::Result<util::Bytes> authoritiesOf(const ConfigurationProfile& profile);
-    util::Result<void> restore(const std::string& identifier, const std::optional<util::Bytes>& authorities);
-    static util::Result<void> addAll(NetworkService& service, const std::vector<CompanyConnection>& connections);
+    util::Result<void> make(NetworkService& service, const std::vector<CompanyConnection>& connections, const util::Bytes& authorities);
+    /// Takes back what `make` has made; the error that led to it, and what else went wrong.
+    util::Error undo(NetworkService& service, const Work& work, util::Error error);
+    util::Result<bool> removeFiles(const std::string& identifier, const std::vector<NetworkService::Installed>& connections);
 
-    const Place place_;
+    static constexpr const char* kAuthoritiesFile = "authorities.pem";
+
+    const CallingUser user_;
+    const std::filesystem::path directory_;
     platform::FileStore& files_;
     const IdentityFiles& identities_;
     const Connect connect_;

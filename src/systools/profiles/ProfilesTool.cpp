@@ -28,7 +28,7 @@ const char* ProfilesTool::usageText() {
            "Makes network connections of a configuration profile, for this user alone, and takes them away again. The\n"
            "certificate to join with has to be in the certificate store (security import).\n"
            "Exit codes: 0 done, 1 it could not be done, 44 no such profile or certificate, 47 wrong certificate password,\n"
-           "64 wrong arguments, 65 not a usable profile, 69 no NetworkManager, 77 the system's policy forbids it.\n";
+           "64 wrong arguments, 65 not a usable profile, 69 no NetworkManager, 75 no answer in time, 77 the system's policy forbids it.\n";
 }
 
 int ProfilesTool::run(const Arguments& arguments, std::ostream& out, std::ostream& err) {
@@ -75,11 +75,7 @@ int ProfilesTool::install(const std::string& path, std::ostream& out, std::ostre
 
 int ProfilesTool::remove(const std::string& identifier, std::ostream& out, std::ostream& err) {
     if (!ConfigurationProfile::isIdentifier(identifier)) return misused(err, "no profile has such an identifier");
-    const auto hadConnections = installer_.removeConnections(identifier);
-    if (!hadConnections) return failed(err, hadConnections.error());
-    const auto hadFiles = user_.asThatUser([&] { return installer_.removeFiles(identifier); });
-    if (!hadFiles) return failed(err, hadFiles.error());
-    if (!*hadConnections && !*hadFiles) return failed(err, toolError(kNotFound, "there is no profile " + identifier));
+    if (auto removed = installer_.remove(identifier); !removed) return failed(err, removed.error());
     out << "removed " << identifier << "\n";
     return kSuccess;
 }

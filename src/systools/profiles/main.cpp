@@ -24,7 +24,7 @@ int run(const systools::Arguments& arguments, std::ostream& out, std::ostream& e
     }
     linux::PosixFileStore files;
     const systools::IdentityFiles identities(places->identities, files);
-    systools::ProfileInstaller installer({user->name(), places->profiles}, files, identities, systools::LibnmNetworkService::connect);
+    systools::ProfileInstaller installer(*user, places->profiles, files, identities, systools::LibnmNetworkService::connect);
     return systools::ProfilesTool(std::move(installer), files, *user).run(arguments, out, err);
 }
 
