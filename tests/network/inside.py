@@ -30,8 +30,14 @@ def what_is_missing():
 
 
 def end_with_parent():
-    """For a child before it becomes its program: whatever kills the parent, the child goes with it."""
+    """For a child before it becomes its program: whatever kills the parent, the child goes with it. Programs that change
+    their user or their capabilities lose this."""
     ctypes.CDLL(None).prctl(1, signal.SIGKILL)
+
+
+def end_in_order():
+    """Being asked to end is an exception like others: what was started is ended first."""
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
 
 
 def enter():

@@ -12,11 +12,11 @@ EMPLOYEE = "chen.xiao"
 
 
 class JoinSteps:
-    def __init__(self, lab, company, rogue, build, folder):
+    def __init__(self, lab, company, rogue, tools, folder):
         self.lab = lab
         self.company = company
         self.rogue = rogue
-        self.root, self.chen, self.li = (Computer(lab, User(name, folder), build / "libexec/halvane") for name in ("root", "chen", "li"))
+        self.root, self.chen, self.li = (Computer(lab, User(name, folder), tools) for name in ("root", "chen", "li"))
 
     def steps(self):
         return [self.the_port_is_closed_to_everybody, self.the_administrator_joins, self.the_connection_is_as_it_should_be,

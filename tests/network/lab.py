@@ -48,19 +48,20 @@ RULES = """polkit.addRule(function(action, subject) {
 
 class Lab:
     """To be made inside namespaces (`inside.enter`). Everything ends with `processes`. The system bus is at its usual place
-    in here, and for programs outside at FOLDER/bus."""
+    in here, and for programs outside at FOLDER/bus. A folder below /run is gone with the namespaces."""
     RULES = RULES
 
     def __init__(self, processes, folder):
         self._processes = processes
         self._folder = Path(folder)
         self.environment = {"DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={SYSTEM_BUS}"}
-        self.switch = Switch(processes, folder)
         self.manager = None
         self._polkit = None
         for room in OWN_ROOMS:
             Path(room).mkdir(parents=True, exist_ok=True)
             subprocess.run(["mount", "-t", "tmpfs", "-o", "mode=755", "lab", room], check=True)
+        self._folder.mkdir(exist_ok=True)
+        self.switch = Switch(processes, folder)
 
     def install(self, build, prefix):
         """The tools and their polkit action, as an installation has them."""
@@ -109,8 +110,8 @@ class Lab:
         self.wait_for_name("org.freedesktop.NetworkManager")
         self.wait_for_cable()
 
-    def wait_for_cable(self):
-        wait_for("the cable", lambda: f"{CABLE}:disconnected" in self.nmcli("-t", "-f", "DEVICE,STATE", "device"))
+    def wait_for_cable(self, state="disconnected"):
+        wait_for(f"the cable {state}", lambda: f"{CABLE}:{state}" in self.nmcli("-t", "-f", "DEVICE,STATE", "device"), 15.0)
 
     def end_polkit(self):
         self._processes.end(self._polkit)

@@ -14,6 +14,7 @@ from switch import reachable, reachable_by_cheating
 def main():
     inside.end_with_parent()
     inside.enter()
+    inside.end_in_order()
     folder = Path(sys.argv[1])
     processes = Processes(folder / "logs")
     try:

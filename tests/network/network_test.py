@@ -7,7 +7,6 @@ authenticator's and NetworkManager's own words, files and processes. One line a 
 import argparse
 import shutil
 import sys
-import tempfile
 from pathlib import Path
 
 sys.path.append(str(Path(__file__).resolve().parent.parent / "e2e"))
@@ -28,25 +27,24 @@ def perform(options):
     shutil.rmtree(options.logs, ignore_errors=True)
     processes = Processes(options.logs)
     good = False
-    with tempfile.TemporaryDirectory(prefix="halvane-lab-", ignore_cleanup_errors=True) as folder:
-        Path(folder).chmod(0o755)  # its employees live in it
-        try:
-            lab = Lab(processes, folder)
-            lab.install(options.build, options.tools_prefix)
-            lab.start()
-            company = NetworkCompany(processes, options.build, Path(folder, "company"))
-            company.start()
-            rogue = NetworkCompany(processes, options.build, Path(folder, "rogue"))
-            rogue.start()
-            joins = JoinSteps(lab, company, rogue, options.build, folder)
-            trouble = TroubleSteps(lab, joins)
-            administrator = AdministratorSteps(lab, joins, options.build, options.tools_prefix)
-            good = take([*joins.steps(), *trouble.steps(), *administrator.steps()], lambda name: None)
-        finally:
-            processes.end_all()
-            if not good:
-                for name, lines in processes.tails(25):
-                    print(f"--- {name}", *lines, sep="\n")
+    try:
+        folder = Path("/run/lab")
+        lab = Lab(processes, folder)
+        lab.install(options.build, options.tools_prefix)
+        lab.start()
+        company, rogue = (NetworkCompany(processes, options.build, folder / name) for name in ("company", "rogue"))
+        company.start()
+        rogue.start()
+        joins = JoinSteps(lab, company, rogue, options.tools_prefix, folder)
+        trouble = TroubleSteps(lab, joins)
+        administrator = AdministratorSteps(lab, joins, options.build, options.tools_prefix, folder)
+        steps = [*joins.steps(), *trouble.steps(), *administrator.steps()]
+        good = take([step for step in steps if not options.only or step.__name__ in options.only], lambda name: None)
+    finally:
+        processes.end_all()
+        if not good:
+            for name, lines in processes.tails(25):
+                print(f"--- {name}", *lines, sep="\n")
     return 0 if good else 1
 
 
@@ -55,6 +53,7 @@ def main():
     parser.add_argument("--build", type=Path, required=True, help="build directory with bin/, libexec/ and share/")
     parser.add_argument("--tools-prefix", type=Path, required=True, help="where the tools are when they are installed")
     parser.add_argument("--logs", type=Path, required=True, help="directory for the logs, emptied first")
+    parser.add_argument("--only", nargs="+", default=[], help="these steps alone, by name; those that they build on included")
     options = parser.parse_args()
     options.build = options.build.resolve()
     if missing := inside.what_is_missing():
@@ -62,6 +61,7 @@ def main():
         return 1
     inside.end_with_parent()
     inside.enter()
+    inside.end_in_order()
     end_after(LONGEST)
     return perform(options)
 

@@ -29,7 +29,8 @@ void runTask(const std::string& installedTools, std::vector<std::string> words, 
     const auto task = tools::STPrivilegedTask::make(
         {authorization, mainLoop, notifications, log, [] { return std::filesystem::current_path().string(); }},
         {.launchPath = words.front(), .arguments = {words.begin() + 1, words.end()}});
-    std::cout << "status " << task->launch() << std::endl;
+    const auto status = task->launch();
+    std::cout << "status " << status << std::endl;
     if (!task->isRunning()) return;
     const auto output = task->outputFileHandle()->readDataToEndOfFile();
     task->waitUntilExit();

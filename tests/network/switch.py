@@ -61,9 +61,9 @@ class Switch:
         script.write_text(ON_STATION.format(bridge=program("bridge"), port=PORT), encoding="utf-8")
         script.chmod(0o755)
         self._start("service", ["/usr/bin/python3", "-m", "http.server", "--bind", SERVER, str(SERVICE), "--directory", str(self._folder)])
-        self._start("addresses", [program("dnsmasq"), "--keep-in-foreground", "--conf-file=/dev/null", f"--interface={BRIDGE}", "--bind-interfaces",
-                                  "--port=0", "--dhcp-range=10.77.0.50,10.77.0.99,1h", "--dhcp-authoritative", "--no-ping", "--user=root",
-                                  f"--dhcp-leasefile={self._folder}/leases", f"--pid-file={self._folder}/dnsmasq.pid"])
+        self._start("addresses", [program("dnsmasq"), "--no-daemon", "--conf-file=/dev/null", f"--interface={BRIDGE}", "--bind-interfaces",
+                                  "--port=0", "--dhcp-range=10.77.0.50,10.77.0.99,1h", "--dhcp-authoritative", "--no-ping",
+                                  f"--dhcp-leasefile={self._folder}/leases"])
 
     def authenticate_with(self, certificate, authority):
         """A new authenticator in the place of the old one. Both are PEM files; stations have to join anew."""

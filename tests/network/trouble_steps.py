@@ -5,7 +5,7 @@ import time
 
 from computer import PROFILE, REFUSED
 from join_steps import EMPLOYEE, WIRED
-from processes import expect
+from processes import expect, wait_for
 from switch import CABLE
 
 NO_DEVICE, NO_SERVICE, TIMED_OUT = 45, 69, 75
@@ -34,13 +34,18 @@ class TroubleSteps:
         return f"given up after {took:.1f} s; the administrator is told that nobody answers; then {self._joins.joins(self._chen)}"
 
     def cable_pulled_out(self):
+        # After a refusal NetworkManager waits for somebody's word; a new profile has no past.
+        self._chen.provision(self._joins.company, EMPLOYEE)
+        self._joins.joins(self._chen)
         self._lab.switch.unplug()
         code, said, took = self._chen.join()
         expect(code == NO_DEVICE and "cable" in said, f"no device, not {code}: {said}")
-        self._lab.switch.plug_in()
+        self._lab.wait_for_cable("unavailable")
         self._lab.switch.forget_stations()
-        self._lab.wait_for_cable()
-        return f"told in {took:.1f} s; plugged in again {self._joins.joins(self._chen)}"
+        expect(not self._joins.is_in(), "nothing goes through without a cable")
+        self._lab.switch.plug_in()
+        wait_for("NetworkManager joins by itself", self._joins.is_in, 15.0)
+        return f"told in {took:.1f} s; plugged in again it is joined without anybody's word"
 
     def service_that_hangs(self):
         os.kill(self._lab.manager.pid, signal.SIGSTOP)

@@ -48,7 +48,8 @@ def add_to_this_namespace(folder, names):
 
 def give_sessions(uids):
     """What the login service would say: each of them sits at the computer."""
-    Path("/run/systemd/seats").mkdir(parents=True)
+    for room in ("seats", "sessions", "machines"):
+        Path("/run/systemd", room).mkdir(parents=True)
     folder = Path("/run/systemd/users")
     folder.mkdir(parents=True)
     for uid in uids:
