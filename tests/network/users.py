@@ -31,7 +31,7 @@ class User:
         os.chown(path, self.uid, self.gid)
 
     def _rights(self):
-        return {"user": self.uid, "group": self.gid, "extra_groups": []} if self.uid else {}
+        return {"user": self.uid, "group": self.gid, "extra_groups": []} if self.uid != os.getuid() else {}
 
 
 def add_to_this_namespace(folder, names):

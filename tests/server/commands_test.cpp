@@ -1,7 +1,10 @@
 #include "server/RunningCompany.h"
 #include "server/commands/Command.h"
+#include "util/PropertyList.h"
 #include "util/Text.h"
+#include "util/Value.h"
 
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -190,6 +193,67 @@ TEST_F(Commands, help_names_every_command_and_version_is_said) {
     }
     EXPECT_EQ(run({"user", "add", "--help"}, {}, false).out, help.out);
     EXPECT_TRUE(run({"--version"}, {}, false).out.starts_with("halvane-server "));
+}
+
+TEST_F(Commands, an_authenticator_gets_a_certificate_that_its_network_is_known_by) {
+    const auto file = (directory.path() / "radius.pem").string();
+    ASSERT_EQ(run({"radius-cert", "radius.example.com", "--out", file}).code, ExitCode::Done);
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    const auto authority = (directory.path() / "ca.pem").string();
+    std::ofstream(authority) << run({"ca", "show"}).out;
+    const auto verify = [&](const char* host) {
+        const std::string at = std::to_string(time.clock()().time_since_epoch().count() + 1);
+        return std::system(("openssl verify -attime " + at + " -purpose sslserver -verify_hostname " + host + " -CAfile " + authority +
+                            " " + file + " >/dev/null 2>&1")
+                               .c_str());
+    };
+    EXPECT_EQ(verify("radius.example.com"), 0);
+    EXPECT_NE(verify("radius.example.org"), 0);
+    EXPECT_EQ(std::system(("openssl pkey -in " + file + " -noout -check >/dev/null 2>&1").c_str()), 0);
+
+    const auto before = std::filesystem::file_size(file);
+    expectFailure(run({"radius-cert", "other.example.com", "--out", file}), ExitCode::Failed, "is there already");
+    EXPECT_EQ(std::filesystem::file_size(file), before);
+    const auto another = (directory.path() / "another.pem").string();
+    for (const char* name : {"", "a b", "a;b", "*.example.com"})
+        expectFailure(run({"radius-cert", name, "--out", another}), ExitCode::Usage, "no host name");
+    expectFailure(run({"radius-cert", "radius.example.com"}), ExitCode::Usage, "--out");
+    EXPECT_FALSE(std::filesystem::exists(another));
+}
+
+TEST_F(Commands, a_profile_template_gets_the_authority_where_it_has_none) {
+    using util::Dictionary;
+    using util::Value;
+    const auto written = [&](const Value& value) {
+        const auto path = directory.path() / "template";
+        std::ofstream(path, std::ios::binary) << util::PropertyList::encode(value);
+        return path.string();
+    };
+    const auto root = [](Value content) {
+        return Dictionary{{"PayloadType", "com.halvane.payload.root"}, {"PayloadContent", std::move(content)}};
+    };
+    const Value own = root(Value::Data{"somebody's own"});
+    const Value other = Dictionary{{"PayloadType", "com.halvane.payload.wifi"}};
+    const auto source = written(Dictionary{{"PayloadContent", Value::List{root(Value::Data{}), own, other}}, {"kept", "as it is"}});
+    const auto file = (directory.path() / "filled").string();
+    ASSERT_EQ(run({"profile", source, "--out", file}).code, ExitCode::Done);
+    std::ostringstream bytes;
+    bytes << std::ifstream(file, std::ios::binary).rdbuf();
+    const auto filled = util::PropertyList::decode(bytes.str());
+    ASSERT_TRUE(filled);
+    const auto expected = Value::List{root(Value::Data{company.authority().certificateDer()}), own, other};
+    EXPECT_EQ(*util::member(&*filled, "PayloadContent"), Value(expected));
+    EXPECT_EQ(*util::member(&*filled, "kept"), Value("as it is"));
+
+    expectFailure(run({"profile", source, "--out", file}), ExitCode::Failed, "is there already");
+    const auto fresh = (directory.path() / "fresh").string();
+    for (const Value& useless :
+         {Value(Dictionary{}), Value(Value::List{}), Value(Dictionary{{"PayloadContent", Value::List{"x", own, other}}})})
+        expectFailure(run({"profile", written(useless), "--out", fresh}), ExitCode::Failed, "no empty root payload");
+    std::ofstream(directory.path() / "template") << "no property list";
+    expectFailure(run({"profile", source, "--out", fresh}), ExitCode::Failed, "template: ");
+    expectFailure(run({"profile", "/nowhere", "--out", fresh}), ExitCode::Failed, "cannot read /nowhere");
+    EXPECT_FALSE(std::filesystem::exists(fresh));
 }
 
 }  // namespace
