@@ -76,8 +76,8 @@ void HVMobileConfigTool::installMobileConfigFileWithFilePath(const std::string& 
 }
 
 void HVMobileConfigTool::removeMobileConfigFileWithName(const std::string& path) const {
-    const auto task =
-        STPrivilegedTask::make(collaborators_.administrator, {.launchPath = kProfiles, .arguments = {"remove", "-path", path}});
+    const auto task = STPrivilegedTask::initWithLaunchPath(collaborators_.administrator,
+                                                           {.launchPath = kProfiles, .arguments = {"remove", "-path", path}});
     const platform::OSStatus status = task->launch();
     if (status == platform::kAuthorizationCanceled) {
         collaborators_.log.write("User cancelled");

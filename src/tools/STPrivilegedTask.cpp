@@ -33,13 +33,13 @@ STPrivilegedTask::STPrivilegedTask(const Collaborators& collaborators, Settings 
       launchPath(std::move(settings.launchPath)),
       to_(collaborators) {}
 
-std::shared_ptr<STPrivilegedTask> STPrivilegedTask::make(const Collaborators& collaborators, Settings settings) {
+std::shared_ptr<STPrivilegedTask> STPrivilegedTask::initWithLaunchPath(const Collaborators& collaborators, Settings settings) {
     return std::shared_ptr<STPrivilegedTask>(new STPrivilegedTask(collaborators, std::move(settings)));
 }
 
 std::shared_ptr<STPrivilegedTask> STPrivilegedTask::launchedPrivilegedTaskWithLaunchPath(
     const Collaborators& collaborators, Settings settings, std::optional<platform::AuthorizationRef> authorization) {
-    auto task = make(collaborators, std::move(settings));
+    auto task = initWithLaunchPath(collaborators, std::move(settings));
     static_cast<void>(authorization ? task->launchWithAuthorization(*authorization) : task->launch());
     task->waitUntilExit();
     return task;

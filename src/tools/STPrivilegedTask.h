@@ -43,7 +43,7 @@ public:
     };
 
     /// The collaborators must outlive the task.
-    static std::shared_ptr<STPrivilegedTask> make(const Collaborators& collaborators, Settings settings);
+    static std::shared_ptr<STPrivilegedTask> initWithLaunchPath(const Collaborators& collaborators, Settings settings);
 
     /// Launches, waits for the end and answers the task, whatever the launch answered. With an `authorization` of the
     /// caller's, that one is used.

@@ -26,7 +26,7 @@ void runTask(const std::string& installedTools, std::vector<std::string> words, 
     linux::PolkitAuthorization authorization(linux::ToolRoot(installedTools), log);
     test::ManualMainLoop mainLoop;
     util::NotificationCenter notifications;
-    const auto task = tools::STPrivilegedTask::make(
+    const auto task = tools::STPrivilegedTask::initWithLaunchPath(
         {authorization, mainLoop, notifications, log, [] { return std::filesystem::current_path().string(); }},
         {.launchPath = words.front(), .arguments = {words.begin() + 1, words.end()}});
     const auto status = task->launch();

@@ -28,8 +28,8 @@ protected:
     }
 
     test::FakeAdministrator on;
-    std::shared_ptr<STPrivilegedTask> task =
-        STPrivilegedTask::make(on.collaborators, {.launchPath = "/bin/x", .arguments = {"a", "b c"}, .currentDirectoryPath = "/there"});
+    std::shared_ptr<STPrivilegedTask> task = STPrivilegedTask::initWithLaunchPath(
+        on.collaborators, {.launchPath = "/bin/x", .arguments = {"a", "b c"}, .currentDirectoryPath = "/there"});
     Calls events;
 };
 
@@ -158,7 +158,7 @@ TEST_F(PrivilegedTaskTest, waiting_looks_again_and_again_and_tells_nobody) {
 TEST_F(PrivilegedTaskTest, the_description_has_path_and_arguments_and_never_the_directory) {
     EXPECT_TRUE(task->description().ends_with("> /bin/x 'a' 'b c'"));
     EXPECT_EQ(task->description().find("CWD"), std::string::npos);
-    const auto empty = STPrivilegedTask::make(on.collaborators, {});
+    const auto empty = STPrivilegedTask::initWithLaunchPath(on.collaborators, {});
     EXPECT_TRUE(empty->description().ends_with("> (null)"));
     EXPECT_EQ(empty->currentDirectoryPath, "/here");
     EXPECT_FALSE(empty->launchPath);
