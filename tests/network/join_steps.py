@@ -16,11 +16,12 @@ class JoinSteps:
         self.lab = lab
         self.company = company
         self.rogue = rogue
+        self._password = ""
         self.root, self.chen, self.li = (Computer(lab, User(name, folder), tools) for name in ("root", "chen", "li"))
 
     def steps(self):
         return [self.the_port_is_closed_to_everybody, self.the_administrator_joins, self.the_connection_is_as_it_should_be,
-                self.an_employee_joins, self.lock_takes_the_network_away, self.next_sign_in_brings_it_back,
+                self.an_employee_joins, self.secrets_stay_secret, self.lock_takes_the_network_away, self.next_sign_in_brings_it_back,
                 self.certificate_of_another_company_is_refused, self.expired_certificate_is_refused, self.rogue_network_gets_nothing,
                 self.authenticator_of_another_name_gets_nothing, self.two_people_have_a_network_each, self.removal_leaves_nothing]
 
@@ -82,10 +83,28 @@ class JoinSteps:
 
     def an_employee_joins(self):
         with ChildWatch(1) as watch:
-            password = self.chen.provision(self.company, EMPLOYEE)
+            self._password = self.chen.provision(self.company, EMPLOYEE)
             took = self.joins(self.chen)
-        expect(not [line for _, line in watch.seen if password in line], "the password stands in no argument list")
+        seen = {Path(path).name for path, _ in watch.seen}
+        expect({"security", "profiles", "networksetup"} <= seen, f"the programs were seen at work: {seen}")
+        expect(not [line for _, line in watch.seen if self._password in line], "the password stands in no argument list")
         return took + ", no password in any argument list"
+
+    def secrets_stay_secret(self):
+        """While the profile is installed: the password only where NetworkManager and the person keep it, the key only in its file."""
+        kept = self.lab.kept_files()
+        expect(kept and all(path.suffix == ".nmconnection" for path in kept), f"no key or certificate of NetworkManager's own: {kept}")
+        wide = [path for place in (*kept, *self.chen.user.home.rglob("*")) if (path := Path(place)).is_file() and path.stat().st_mode & 0o177]
+        expect(not wide, f"nothing is wider than 0600: {wide}")
+        self.expect_no_trace(self._password, self.lab.logs())
+        holders = [path for path in self.lab.rooms() if path.is_file() and self._password.encode() in path.read_bytes()]
+        expect(holders and all(path in kept for path in holders), f"the password stands in the connections alone: {holders}")
+        return f"{len(kept)} connections, 0600; no password in {len(self.lab.logs())} logs"
+
+    @staticmethod
+    def expect_no_trace(secret, files):
+        told = [path for path in files if secret.encode() in path.read_bytes()]
+        expect(not told, f"the password stands in {told}")
 
     def lock_takes_the_network_away(self):
         self.chen.delete_certificate(EMPLOYEE)
@@ -154,6 +173,7 @@ class JoinSteps:
     def removal_leaves_nothing(self):
         self.expect_out("after the removal")
         expect(not self.lab.connections() and not self.lab.kept_files(), f"NetworkManager kept {self.lab.kept_files()}")
+        self.expect_no_trace(self._password, [path for path in self.lab.rooms() if path.is_file()])
         for computer in (self.root, self.chen, self.li):
             rest = [path for path in (computer.user.data / "halvane/profiles").rglob("*") if path.name != ".lock"]
             expect(not rest, f"{computer.user.name} keeps {rest}")

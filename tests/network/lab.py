@@ -127,6 +127,14 @@ class Lab:
         """Names of what NetworkManager keeps, without those that it makes up for what it finds."""
         return [line for line in self.nmcli("-t", "-f", "NAME", "connection").splitlines() if line not in ("lo", CABLE)]
 
+    def logs(self):
+        return sorted(self._processes.logs.glob("*.log"))
+
+    @staticmethod
+    def rooms():
+        """Everything in NetworkManager's directories, those for one boot among them."""
+        return [path for room in ("/etc/NetworkManager", "/run/NetworkManager", "/var/lib/NetworkManager") for path in Path(room).rglob("*")]
+
     @staticmethod
     def kept_files():
         """All that is in NetworkManager's own directories."""
