@@ -135,7 +135,8 @@ Services::~Services() {
         queue->async([done] { done->set_value(); });
         (void)done->get_future().wait_until(end);
     }
-    // Blocks and terminations use what stands below them.
+    // Blocks and terminations use what stands below them. A block that runs is waited for, as long as its tools take: what
+    // it is in the middle of, such as a network that is off and not yet on again, must not be left so.
     parts_->queues.reset();
     parts_->launcher.reset();
     util::SharedInstance<HDCLProjectConfig>::set(nullptr);

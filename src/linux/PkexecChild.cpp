@@ -20,7 +20,9 @@ namespace {
 
 using platform::OSStatus;
 
-constexpr int kDismissed = 126;  // pkexec's own exit code; 127 is all else
+// pkexec's own exit codes.
+constexpr int kDismissed = 126;
+constexpr int kNotStarted = 127;
 
 /// False when it has not closed in time.
 bool markerCloses(int marker, std::chrono::milliseconds longest) {
@@ -48,11 +50,13 @@ bool canBeExecuted(const std::string& program) {
     return program.starts_with('/') && ::stat(program.c_str(), &seen) == 0 && S_ISREG(seen.st_mode) && (seen.st_mode & 0111) != 0;
 }
 
-/// Whether the child, which may also just go on, has ended by now; nothing is collected.
-bool hasEnded(pid_t process) {
+/// Whether the child, which may also just go on, ends now with a code that pkexec has; nothing is collected. A program
+/// that ends at once with the same code cannot be told from it.
+bool endsLikePkexec(pid_t process) {
     for (int look = 0; look < 20; ++look) {
         siginfo_t info{};
-        if (::waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid == process) return true;
+        if (::waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid == process)
+            return info.si_code != CLD_EXITED || info.si_status == kDismissed || info.si_status == kNotStarted;
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     return false;
@@ -105,7 +109,7 @@ OSStatus PkexecChild::awaitStart(pid_t process, int marker) const {
     const auto status = ProcessStatus::of(process);
     const bool isPkexec = status && status->name == pkexec_.filename();
     // Systems may hide other people's processes; then only its end tells.
-    const bool ended = isPkexec || (!status && hasEnded(process));
+    const bool ended = isPkexec || (!status && endsLikePkexec(process));
     if (!ended) return platform::kAuthorizationSuccess;
     const int waitStatus = collected(process);
     if (WIFEXITED(waitStatus) && WEXITSTATUS(waitStatus) == kDismissed) return platform::kAuthorizationCanceled;

@@ -24,6 +24,11 @@ std::string pathOf(const std::string& fileUrl) { return util::replaced(fileUrl, 
 
 }  // namespace
 
+std::optional<std::string> CertificateFetch::sessionOf(const Collaborators& to) {
+    const auto* user = to.user.user_getUserInfo();
+    return user == nullptr ? std::nullopt : user->token;
+}
+
 CertificateFetch::CertificateFetch(Collaborators collaborators) : to_(collaborators) {}
 
 void CertificateFetch::requestCertificateWithUserName(const std::string& userName, const std::string& passWord) {
@@ -46,11 +51,11 @@ void CertificateFetch::downloadP12WithUrl(const Collaborators& to, const std::st
                                           const std::string& certificateFileName) {
     to.requests.downloadP12CertificateWithUrl(
         url, [&log = to.log](const platform::HttpProgress&) { log.write("下载证书中..."); },
-        [to, password, certificateFileName](const std::string& fileUrl) {
+        [to, password, certificateFileName, whose = sessionOf(to)](const std::string& fileUrl) {
             // A computer that was marked as lost meanwhile signed its user out, and one that was locked as well has had its
             // certificate deleted already: nothing would ever take this one away.
-            if (!to.user.user_isLogin()) {
-                to.log.write("nobody is signed in any more: the certificate is not installed");
+            if (!whose || sessionOf(to) != whose) {
+                to.log.write("its user has signed out: the certificate is not installed");
                 (void)to.files.remove(pathOf(fileUrl));
                 return;
             }

@@ -30,7 +30,8 @@ namespace halvane::login {
 
 /// Fetches the user's personal certificate and installs it: certificate information, download, import
 /// into the certificate store, network profile. Goes on in the background of a login; failures are
-/// logged, never shown. Nothing is installed for somebody who has signed out meanwhile. Main thread; the import and the profile are made on
+/// logged, never shown. Nothing is installed for somebody whose
+/// session, that of the information's reply, has ended meanwhile. Main thread; the import and the profile are made on
 /// `toolQueue`, because the tools may make their caller wait. The collaborators must outlive replies and what waits on that queue; this
 /// object need not.
 class CertificateFetch {
@@ -51,6 +52,8 @@ public:
     void requestCertificateWithUserName(const std::string& userName, const std::string& passWord);
 
 private:
+    /// The token of who is signed in.
+    static std::optional<std::string> sessionOf(const Collaborators& to);
     static void downloadP12WithUrl(const Collaborators& to, const std::string& url, const std::optional<std::string>& password,
                                    const std::string& certificateFileName);
     static void install(const Collaborators& to, const std::string& fileUrl, const std::optional<std::string>& password,

@@ -65,14 +65,19 @@ TEST_F(CertificateFetchTest, a_failed_download_is_a_log_line_and_nothing_is_inst
     EXPECT_TRUE(device.launcher.starts.empty());
 }
 
-TEST_F(CertificateFetchTest, who_has_signed_out_meanwhile_gets_nothing_installed) {
-    request();
-    answer(kInfo);
-    on.user.user_deleteUserInfo();
-    download("p12 bytes");
-    EXPECT_TRUE(device.launcher.starts.empty());
-    EXPECT_FALSE(on.files.exists(file));
-    EXPECT_TRUE(device.log.contains("nobody is signed in any more"));
+TEST_F(CertificateFetchTest, who_has_signed_out_meanwhile_gets_nothing_installed_whoever_came_next) {
+    for (const bool somebodyElse : {false, true}) {
+        SCOPED_TRACE(somebodyElse);
+        on.user.user_loginSuccessWithDic(util::Dictionary{{"token", "t"}, {"job_number", "7"}});
+        request();
+        answer(kInfo);
+        on.user.user_deleteUserInfo();
+        if (somebodyElse) on.user.user_loginSuccessWithDic(util::Dictionary{{"token", "u"}, {"job_number", "8"}});
+        download("p12 bytes");
+        EXPECT_TRUE(device.launcher.starts.empty());
+        EXPECT_FALSE(on.files.exists(file));
+        EXPECT_TRUE(device.log.contains("its user has signed out"));
+    }
 }
 
 TEST_F(CertificateFetchTest, progress_is_a_log_line_each_time) {

@@ -56,6 +56,9 @@ protected:
 TEST_F(NetworksetupTest, joins_by_radio_and_cable_and_one_of_them_is_enough) {
     EXPECT_EQ(run({"-setairportnetwork", "en0", "test_dot1x"}), kSuccess);
     EXPECT_EQ(net_.calls, (Calls{"join /wifi on any", "join /wired on any"}));
+    net_.connections[0].connection.certificateEnds = 0;
+    EXPECT_EQ(run({"-setairportnetwork", "en0", "test_dot1x"}), kSuccess);
+    EXPECT_EQ(net_.calls.size(), 2U) << "one whose end is not known is tried";
     fails("/wifi", kNoDevice, "");
     EXPECT_EQ(run({"-setairportnetwork", "en0", "test_dot1x"}), kSuccess);
     EXPECT_EQ(said(), "");

@@ -147,6 +147,10 @@ TEST_F(ProfileTest, what_is_no_usable_profile_is_named_and_changes_nothing) {
         payloads.erase(payloads.begin() + static_cast<std::ptrdiff_t>(index));
         return profile(payloads);
     };
+    const auto nameless = [](util::Dictionary payload, const char* key) {
+        payload.set(key, "");
+        return payload;
+    };
     // One that is a whole profile, and then more.
     auto huge = usual();
     huge.push_back(util::Dictionary{{"PayloadType", std::string(5'000'000, 'x')}});
@@ -162,6 +166,9 @@ TEST_F(ProfileTest, what_is_no_usable_profile_is_named_and_changes_nothing) {
         {profile(usual(), ".lock"), "identifier"},
         {without(0), "not in the profile"},
         {without(1), "no root certificate"},
+        {profile({nameless(certificate(identity_), "PayloadUUID"), root(authority_.root().der),
+                  nameless(network("wifi"), "PayloadCertificateUUID")}),
+         "names no certificate"},
         {with(1, root("")), "deployed"},
         {with(1, root("text")), "not a certificate"},
         {with(1, root(authority_.issueClient("chen.xiao").der)), "no authority's"},
@@ -185,6 +192,21 @@ TEST_F(ProfileTest, what_is_no_usable_profile_is_named_and_changes_nothing) {
     EXPECT_EQ(run({"install", "-path", "/nowhere"}).code, kFailure);
     EXPECT_TRUE(net_.connections.empty());
     EXPECT_FALSE(std::filesystem::exists(profiles()));
+}
+
+TEST_F(ProfileTest, what_a_network_asks_for_is_taken_over) {
+    auto settings = eap(List{"a.example.com", "b.example.com"});
+    settings.set("UserName", "host/pc1");
+    auto wifi = network("wifi", "Office", settings);
+    wifi.set("EncryptionType", "WPA3");
+    wifi.set("HIDDEN_NETWORK", true);
+    ASSERT_EQ(install(profile({certificate(identity_), root(authority_.root().certificate), wifi})).code, kSuccess) << "a root may be PEM";
+    const auto& made = net_.connections.at(0).connection;
+    EXPECT_EQ(made.userName, "host/pc1");
+    EXPECT_TRUE(made.onlyWpa3);
+    EXPECT_TRUE(made.hidden);
+    EXPECT_EQ(made.serverNames, (std::vector<std::string>{"a.example.com", "b.example.com"}));
+    EXPECT_EQ(*files_.read(authorities()), authority_.root().certificate);
 }
 
 TEST_F(ProfileTest, payloads_of_other_kinds_are_named_and_left_out) {
@@ -290,8 +312,13 @@ TEST(ConnectionSettingsTest, are_valid_bind_the_authenticator_and_come_back) {
             nm_connection_is_type(made.get(), medium == Medium::Wifi ? NM_SETTING_WIRELESS_SETTING_NAME : NM_SETTING_WIRED_SETTING_NAME),
             TRUE);
 
+        auto* general = nm_connection_get_setting_connection(made.get());
+        EXPECT_EQ(nm_setting_connection_get_auth_retries(general), 1) << "nobody is asked for another password";
         const auto read = ConnectionSettings::read(*made);
         ASSERT_TRUE(read);
+        EXPECT_EQ(read->hidden, medium == Medium::Wifi);
+        nm_setting_connection_add_permission(general, "user", "li", nullptr);
+        EXPECT_EQ(ConnectionSettings::read(*made)->owner, "") << "one that somebody has opened to others is nobody's";
         auto expected = example(medium);
         EXPECT_EQ(std::tie(read->profile, read->owner, read->medium, read->network, read->identityFile, read->authoritiesFile,
                            read->certificateEnds),

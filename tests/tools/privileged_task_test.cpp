@@ -88,8 +88,10 @@ TEST_F(PrivilegedTaskTest, every_refusal_is_answered_as_it_came_and_leaves_the_t
 
 TEST_F(PrivilegedTaskTest, a_tick_notices_the_end_and_tells_notification_then_handler_once) {
     ASSERT_EQ(task->launch(), 0);
-    EXPECT_EQ(on.mainLoop.advance(kTick - std::chrono::milliseconds(1)), 0);
-    on.mainLoop.advance(kTick);
+    on.mainLoop.advance(kTick - std::chrono::milliseconds(1));
+    EXPECT_EQ(on.authorization.collections, 0);
+    on.mainLoop.advance(std::chrono::milliseconds(1));
+    EXPECT_EQ(on.authorization.collections, 1);
     EXPECT_TRUE(task->isRunning());
     EXPECT_EQ(on.authorization.lastCollected, 4711);
     task->terminate();

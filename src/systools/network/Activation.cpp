@@ -19,7 +19,7 @@ constexpr const char* kNotLetIn = "we were not let in: the certificate was refus
 constexpr Failure kFailures[] = {
     {NM_DEVICE_STATE_REASON_NO_SECRETS, kRefused, kNotLetIn},
     {NM_DEVICE_STATE_REASON_SUPPLICANT_DISCONNECT, kRefused, kNotLetIn},
-    {NM_DEVICE_STATE_REASON_SUPPLICANT_FAILED, kRefused, kNotLetIn},
+    {NM_DEVICE_STATE_REASON_SUPPLICANT_FAILED, kFailure, "the supplicant has failed"},
     {NM_DEVICE_STATE_REASON_SUPPLICANT_CONFIG_FAILED, kRefused, "the certificate's file cannot be used"},
     {NM_DEVICE_STATE_REASON_SUPPLICANT_TIMEOUT, kTimedOut, "the network's authenticator does not answer"},
     {NM_DEVICE_STATE_REASON_SSID_NOT_FOUND, kNoNetwork, "the network is out of reach"},
@@ -86,7 +86,8 @@ std::optional<util::Error> Activation::outcome(const SupplicantMessages* heard) 
     }
     for (const auto& failure : kFailures) {
         if (failure.reason != failure_) continue;
-        if (failure.code != kRefused || heard == nullptr) return toolError(failure.code, failure.text);
+        // Only where there was a conversation the supplicant has something to say of it.
+        if (failure.text != kNotLetIn || heard == nullptr) return toolError(failure.code, failure.text);
         if (heard->onlySilence()) return toolError(kTimedOut, "the network's authenticator does not answer");
         return toolError(kRefused, heard->reason().value_or(failure.text));
     }

@@ -22,7 +22,7 @@ public:
     util::Result<void> start(linux::GioCalls& calls);
 
     [[nodiscard]] bool ended() const;
-    /// Absent: joined. `heard`: what the supplicant said, where it can only have spoken of this one.
+    /// Absent: joined. `heard`: what the supplicant said, where this is the only one under way.
     [[nodiscard]] std::optional<util::Error> outcome(const SupplicantMessages* heard) const;
 
 private:

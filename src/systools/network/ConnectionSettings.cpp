@@ -114,7 +114,9 @@ std::optional<CompanyConnection> ConnectionSettings::read(NMConnection& settings
     connection.profile = profile;
     connection.network = network;
     connection.owner = ownerOf(generalSetting);
-    connection.medium = nm_connection_get_setting_wireless(&settings) != nullptr ? Medium::Wifi : Medium::Wired;
+    auto* wireless = nm_connection_get_setting_wireless(&settings);
+    connection.medium = wireless != nullptr ? Medium::Wifi : Medium::Wired;
+    connection.hidden = wireless != nullptr && nm_setting_wireless_get_hidden(wireless) != FALSE;
     if (nm_setting_802_1x_get_private_key_scheme(eap) == NM_SETTING_802_1X_CK_SCHEME_PATH)
         connection.identityFile = nm_setting_802_1x_get_private_key_path(eap);
     if (nm_setting_802_1x_get_ca_cert_scheme(eap) == NM_SETTING_802_1X_CK_SCHEME_PATH)

@@ -18,9 +18,9 @@ using namespace std::chrono_literals;
 
 constexpr auto kCallTime = 5s;
 /// A join takes two or three seconds, a refusal four.
-constexpr auto kJoinTime = 13s;
+constexpr auto kJoinTime = 12s;
 /// All calls together: a program that is ended by its alarm can say nothing any more.
-constexpr auto kAllTime = 15s;
+constexpr auto kAllTime = 13s;
 /// Beyond that, for each of the few connections that may have to be removed: what is half made must not stay.
 constexpr auto kUndoTime = 1s;
 
@@ -64,9 +64,9 @@ util::Result<std::unique_ptr<NetworkService>> LibnmNetworkService::connect() {
     return std::unique_ptr<NetworkService>(std::move(service));
 }
 
-void LibnmNetworkService::giveTime(std::chrono::milliseconds wanted) {
+void LibnmNetworkService::giveTime(std::chrono::milliseconds wanted, std::chrono::milliseconds atLeast) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end_ - std::chrono::steady_clock::now());
-    calls_.allow(std::clamp(left, 0ms, wanted));
+    calls_.allow(std::clamp(left, atLeast, wanted));
 }
 
 std::vector<NetworkService::Installed> LibnmNetworkService::installed(const std::string& owner) {
@@ -89,8 +89,18 @@ util::Result<std::string> LibnmNetworkService::add(const CompanyConnection& conn
     });
     const linux::GObjectPointer<NMRemoteConnection> added(
         nm_client_add_connection2_finish(client_.get(), result.get(), nullptr, calls_.error()));
-    if (!added) return networkManagerError(calls_, "take the network " + connection.network);
-    return std::string(nm_connection_get_path(NM_CONNECTION(added.get())));
+    if (added) return std::string(nm_connection_get_path(NM_CONNECTION(added.get())));
+    auto error = networkManagerError(calls_, "take the network " + connection.network);
+    if (error.code != kTimedOut) return error;
+    // It may do so all the same, a moment later.
+    NMRemoteConnection* late = nullptr;
+    giveTime(kUndoTime, kUndoTime);
+    calls_.waitUntil([&] {
+        late = nm_client_get_connection_by_uuid(client_.get(), nm_connection_get_uuid(settings.get()));
+        return late != nullptr;
+    });
+    if (late == nullptr) return error;
+    return std::string(nm_connection_get_path(NM_CONNECTION(late)));
 }
 
 util::Result<void> LibnmNetworkService::remove(const std::string& handle) {
@@ -98,7 +108,7 @@ util::Result<void> LibnmNetworkService::remove(const std::string& handle) {
     (void)leave(handle);
     auto* connection = nm_client_get_connection_by_path(client_.get(), handle.c_str());
     if (connection == nullptr) return {};
-    calls_.allow(kUndoTime);
+    giveTime(kCallTime, kUndoTime);
     const auto result = calls_.wait([connection](GCancellable* cancellable, GAsyncReadyCallback callback, void* data) {
         nm_remote_connection_delete_async(connection, cancellable, callback, data);
     });

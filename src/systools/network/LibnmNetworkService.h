@@ -35,7 +35,7 @@ private:
                 std::set<std::size_t>& waiting, const std::set<std::string>& joined);
     bool isInReach(NMDevice& device, const CompanyConnection& connection);
 
-    void giveTime(std::chrono::milliseconds wanted);
+    void giveTime(std::chrono::milliseconds wanted, std::chrono::milliseconds atLeast = std::chrono::milliseconds(0));
 
     linux::GioCalls calls_;
     const std::chrono::steady_clock::time_point end_;

@@ -16,7 +16,7 @@ public:
     /// A connection that is there. The handle is the service's name for it.
     struct Installed {
         std::string handle;
-        CompanyConnection connection;  ///< without the password
+        CompanyConnection connection;  ///< without what only a join needs: password, servers' names, user's name
     };
 
     /// How an attempt to join went.

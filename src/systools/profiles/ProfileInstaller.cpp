@@ -113,14 +113,15 @@ util::Error ProfileInstaller::undo(NetworkService& service, const Work& work, ut
     for (const auto& each : work.older) olderHandles.insert(each.handle);
     auto made = connectionsOf(service, work.identifier);
     std::erase_if(made, [&](const auto& each) { return olderHandles.contains(each.handle); });
-    util::Result<void> undone = removeAll(service, made);
-    if (!undone) error.description += "; and " + undone.error().description;
+    const auto note = [&error](const auto& done) {
+        if (!done) error.description += "; and " + done.error().description;
+    };
+    note(removeAll(service, made));
     if (work.authorities) {
-        undone = files_.write(authoritiesFile(work.identifier), *work.authorities);
-    } else if (auto removed = removeFiles(work.identifier, {}); !removed) {
-        undone = removed.error();
+        note(files_.write(authoritiesFile(work.identifier), *work.authorities));
+    } else {
+        note(removeFiles(work.identifier, {}));
     }
-    if (!undone) error.description += "; and " + undone.error().description;
     return error;
 }
 
