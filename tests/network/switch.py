@@ -42,6 +42,7 @@ class Switch:
         self._folder = Path(folder, "switch")
         self._folder.mkdir()
         self._authenticator = []
+        self._certificates = ()
         self._namespace = ""
 
     def start(self):
@@ -67,6 +68,7 @@ class Switch:
 
     def authenticate_with(self, certificate, authority):
         """A new authenticator in the place of the old one. Both are PEM files; stations have to join anew."""
+        self._certificates = certificate, authority
         self.silence()
         configuration = self._folder / "hostapd.conf"
         configuration.write_text(CONFIGURATION.format(port=PORT, folder=self._folder, authority=authority, certificate=certificate), encoding="utf-8")
@@ -79,17 +81,18 @@ class Switch:
         wait_for("somebody who opens the port", lambda: self._cli("ping").strip() == "PONG")
 
     def forget_stations(self):
-        """What pulling out the cable does: a computer that has left does not say so to its switch."""
+        """What pulling out the cable does: a computer that has left does not say so to its switch.
+
+        Not by deauthenticating: hostapd would remove the station five seconds later, also one that has come again."""
         if self._authenticator:
-            self._cli("deauthenticate", _address())
-            self._run(program("bridge"), "fdb", "del", _address(), "dev", PORT, "master", may_fail=True)
+            self.authenticate_with(*self._certificates)
 
     def silence(self):
         """The port stays closed and nobody answers at it."""
-        self.forget_stations()
         for process in reversed(self._authenticator):
             self._processes.end(process)
         self._authenticator = []
+        self._run(program("bridge"), "fdb", "del", _address(), "dev", PORT, "master", may_fail=True)
 
     def unplug(self):
         self._run(program("ip"), "link", "set", PORT, "down")

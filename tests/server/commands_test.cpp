@@ -209,6 +209,8 @@ TEST_F(Commands, an_authenticator_gets_a_certificate_that_its_network_is_known_b
     };
     EXPECT_EQ(verify("radius.example.com"), 0);
     EXPECT_NE(verify("radius.example.org"), 0);
+    // Not only in the subject, where newer programs do not look any more.
+    EXPECT_EQ(std::system(("openssl x509 -in " + file + " -noout -ext subjectAltName | grep -q DNS:radius.example.com").c_str()), 0);
     EXPECT_EQ(std::system(("openssl pkey -in " + file + " -noout -check >/dev/null 2>&1").c_str()), 0);
 
     const auto before = std::filesystem::file_size(file);

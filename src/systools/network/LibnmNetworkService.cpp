@@ -16,7 +16,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kCallTime = 5s;
+/// The system's policy service, which NetworkManager asks first, may be slow.
+constexpr auto kCallTime = 9s;
+constexpr auto kScanTime = 5s;
 /// A join takes two or three seconds, a refusal four.
 constexpr auto kJoinTime = 12s;
 /// All calls together: a program that is ended by its alarm can say nothing any more.
@@ -158,7 +160,7 @@ bool LibnmNetworkService::isInReach(NMDevice& device, const CompanyConnection& c
     auto* wifi = NM_DEVICE_WIFI(&device);
     if (offers(wifi, connection.network)) return true;
     // The list of a radio that was asleep is old or empty: look around once.
-    giveTime(kCallTime);
+    giveTime(kScanTime);
     const auto result = calls_.wait([wifi](GCancellable* cancellable, GAsyncReadyCallback callback, void* data) {
         nm_device_wifi_request_scan_async(wifi, cancellable, callback, data);
     });
