@@ -2,8 +2,8 @@
 #include "server/commands/CommandGroups.h"
 #include "server/store/PrivateFile.h"
 #include "util/PropertyList.h"
+#include "util/Text.h"
 
-#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -14,12 +14,7 @@ namespace halvane::server {
 namespace {
 
 constexpr const char* kRootType = "com.halvane.payload.root";
-
-bool isHostName(const std::string& name) {
-    return !name.empty() && name.size() <= 64 && std::ranges::all_of(name, [](unsigned char c) {
-        return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '-' || c == '.';
-    });
-}
+constexpr std::size_t kLongestCommonName = 64;
 
 /// Never over a file that is there: it may be the key of a running server.
 ExitCode written(const Command::Call& call, const std::string& file, std::string_view content) {
@@ -31,7 +26,8 @@ ExitCode issueAuthenticator(const Command::Call& call) {
     const std::string& name = call.arguments.words().front();
     const auto file = call.arguments.option("--out");
     if (!file) return failed(call.console, "--out FILE is missing", ExitCode::Usage);
-    if (!isHostName(name)) return failed(call.console, name + " is no host name", ExitCode::Usage);
+    if (!util::isHostName(name) || name.size() > kLongestCommonName)
+        return failed(call.console, name + " is no host name", ExitCode::Usage);
     return written(call, *file, call.company.authority().issueAuthenticator(name, call.company.clock()));
 }
 

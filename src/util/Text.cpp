@@ -44,6 +44,13 @@ std::string trimmed(std::string_view text) {
     return std::string(text.substr(first, text.find_last_not_of(kSpace) - first + 1));
 }
 
+bool isHostName(std::string_view name) {
+    constexpr std::size_t kLongest = 253;
+    return !name.empty() && name.size() <= kLongest && std::ranges::all_of(name, [](unsigned char c) {
+        return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '-' || c == '.';
+    });
+}
+
 bool isValidUtf8(std::string_view bytes) {
     std::size_t i = 0;
     while (i < bytes.size()) {

@@ -17,6 +17,8 @@ std::string lowercasedAscii(std::string_view text);
 std::vector<std::string> split(std::string_view text, char separator);
 std::string trimmed(std::string_view text);
 bool isValidUtf8(std::string_view bytes);
+/// Letters, digits, hyphens and dots, at most 253 of them. Nothing that would be a separator somewhere.
+bool isHostName(std::string_view name);
 /// Escapes what may not stand in a URL: controls, space, ``"#%<>[\]^`{|}`` and all bytes above 127.
 /// An existing "%" is escaped too.
 std::string addingPercentEscapes(std::string_view text);

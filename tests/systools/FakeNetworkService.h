@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,7 @@ public:
         return all;
     }
 
+    std::mutex mutex;  ///< for a test that changes connections from another thread before a program connects
     bool running = true;
     int addsUntilFailure = -1;  ///< the last of so many fails; -1: none does
     bool failsLate = false;     ///< and has done what it was told
@@ -41,7 +43,10 @@ private:
     class Connected final : public Service {
     public:
         /// Like the real one it sees the connections as they were when it connected.
-        explicit Connected(FakeNetwork& network) : network_(network), seen_(network.connections) {}
+        explicit Connected(FakeNetwork& network) : network_(network) {
+            const std::lock_guard lock(network.mutex);
+            seen_ = network.connections;
+        }
 
         std::vector<Installed> installed(const std::string& owner) override {
             std::vector<Installed> found;

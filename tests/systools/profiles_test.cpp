@@ -243,7 +243,10 @@ TEST_F(ProfileTest, a_second_installation_waits_for_its_turn_and_replaces_what_c
     // The first one, at its end.
     std::thread first([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        net_.connections.push_back({"/first", {.profile = "com.example.net", .owner = me_, .network = "old"}});
+        {
+            const std::lock_guard lock(net_.mutex);
+            net_.connections.push_back({"/first", {.profile = "com.example.net", .owner = me_, .network = "old"}});
+        }
         held.reset();
     });
     const auto second = install(profile(usual()));

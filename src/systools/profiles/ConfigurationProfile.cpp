@@ -41,13 +41,6 @@ std::vector<std::string> textsIn(const util::Value* value) {
     return texts;
 }
 
-/// Names of servers end up in a list of their own syntax: a separator inside one would make it two.
-bool isHostName(const std::string& name) {
-    return !name.empty() && name.size() <= 253 && std::ranges::all_of(name, [](unsigned char c) {
-        return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '-' || c == '.';
-    });
-}
-
 bool acceptsTls(const util::Value* types) {
     const auto* list = types == nullptr ? nullptr : types->list();
     return list != nullptr && std::ranges::any_of(*list, [](const util::Value& type) { return util::integerOf(&type) == kEapTls; });
@@ -100,7 +93,7 @@ private:
         if (!acceptsTls(util::member(eap, "AcceptEAPTypes"))) return dataError("network " + network.name + " does not accept EAP-TLS");
         network.serverNames = textsIn(util::member(eap, "TLSTrustedServerNames"));
         // Without it anybody with a certificate of the same authority, every employee, could pose as the network.
-        if (network.serverNames.empty() || !std::ranges::all_of(network.serverNames, isHostName))
+        if (network.serverNames.empty() || !std::ranges::all_of(network.serverNames, util::isHostName))
             return dataError("network " + network.name + " does not say its authenticator's name");
         network.userName = util::textOf(util::member(eap, "UserName")).value_or("");
         profile_.networks.push_back(std::move(network));
