@@ -8,6 +8,7 @@ from inside import end_with_parent
 from join_steps import EMPLOYEE
 from processes import expect, wait_for
 
+FORBIDDEN = 77
 RULE = """polkit.addRule(function(action, subject) {{
     if (action.id == "com.halvane.profiles" || action.id == "org.freedesktop.policykit.exec") return polkit.Result.{};
 }});
@@ -25,7 +26,7 @@ class AdministratorSteps:
             build / "bin/halvane_privileged_probe", Path(__file__).with_name("polkit_agent.py")))
 
     def steps(self):
-        return [self.granted, self.removal_by_the_administrator, self.dismissed, self.refused_by_the_policy, self.nobody_to_ask,
+        return [self.granted, self.removal_by_the_administrator, self.forbidden_by_the_policy, self.dismissed, self.refused_by_the_policy, self.nobody_to_ask,
                 self.cannot_be_executed, self.script, self.without_polkit]
 
     def _policy(self, answer):
@@ -75,6 +76,18 @@ class AdministratorSteps:
         wait_for("what people may do", lambda: self._joins.li.switch("on").returncode == 0)
         self._joins.li.remove()
         return "the calling person's profile and files, nobody else's"
+
+    def forbidden_by_the_policy(self):
+        """A person who may not change the network, such as one who works from afar."""
+        self._lab.set_rules("")
+        path = self._chen.user.home / "profile.mobileconfig"
+        done = wait_for("a refusal", lambda: (lambda seen: seen if seen.returncode else None)(self._chen.run("usr/bin/profiles", "install", "-path", path)))
+        expect(done.returncode == FORBIDDEN, f"forbidden, not {done.returncode}: {done.stderr}")
+        switched = self._chen.switch("off")
+        expect(switched.returncode == FORBIDDEN, f"forbidden, not {switched.returncode}: {switched.stderr}")
+        expect(not self._lab.kept_files(), f"nothing is half made: {self._lab.kept_files()}")
+        expect(not (self._chen.user.data / "halvane/profiles" / PROFILE).exists(), "nor are the person's files")
+        return f"{done.stderr.strip().rpartition(': ')[2]} ({done.returncode})"
 
     def dismissed(self):
         self._policy("AUTH_ADMIN")
