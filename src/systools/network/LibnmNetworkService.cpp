@@ -19,15 +19,14 @@ using namespace std::chrono_literals;
 /// The system's policy service, which NetworkManager asks first, may be slow.
 constexpr auto kCallTime = 9s;
 constexpr auto kScanTime = 5s;
-/// A join takes two or three seconds, a refusal four.
+/// A join takes two or three seconds, a refusal six or seven.
 constexpr auto kJoinTime = 12s;
 /// All calls together: a program that is ended by its alarm can say nothing any more.
 constexpr auto kAllTime = 13s;
 /// Beyond that, for each of the few connections that may have to be removed: what is half made must not stay.
 constexpr auto kUndoTime = 1s;
 
-template <typename Range>
-std::vector<NMDevice*> devicesOf(const Range* devices) {
+std::vector<NMDevice*> devicesOf(const GPtrArray* devices) {
     std::vector<NMDevice*> all;
     for (unsigned i = 0; i < devices->len; ++i) all.push_back(NM_DEVICE(g_ptr_array_index(devices, i)));
     return all;

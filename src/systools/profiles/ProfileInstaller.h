@@ -37,7 +37,7 @@ public:
     util::Result<void> remove(const std::string& identifier);
 
 private:
-    /// What an installation has made so far, and what was there before it.
+    /// An installation under way: what there was of the profile before it.
     struct Work {
         std::string identifier;
         std::vector<NetworkService::Installed> older;
