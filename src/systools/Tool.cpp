@@ -27,6 +27,17 @@ void onAlarm(int) {
 
 }  // namespace
 
+int Complaint::misused(std::ostream& err, const std::string& message) const {
+    err << program << ": " << message << "\n" << usage;
+    return kUsage;
+}
+
+int Complaint::failed(std::ostream& err, const util::Error& error, const std::string& subject) const {
+    err << program << ": " << subject << (subject.empty() ? "" : ": ") << error.description << "\n";
+    if (error.domain == util::kDataErrorDomain) return kMalformed;
+    return error.domain == kToolErrorDomain ? error.code : kFailure;
+}
+
 Arguments argumentsOf(int argc, char** argv) { return {argv + (argc > 0 ? 1 : 0), argv + argc}; }
 
 int runTool(const char* name, const Arguments& arguments, const Tool& tool) {

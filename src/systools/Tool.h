@@ -32,6 +32,16 @@ inline constexpr const char* kToolErrorDomain = "halvane.tool";
 /// An error that a program ends with: `code` is what it answers.
 inline util::Error toolError(ExitCode code, std::string description) { return {kToolErrorDomain, code, std::move(description)}; }
 
+/// What a program says of its failures on standard error, and the exit code that goes with it. A value.
+struct Complaint {
+    const char* program;
+    const char* usage;
+
+    int misused(std::ostream& err, const std::string& message) const;
+    /// A `toolError` has its own code; a file that is not what it should be is kMalformed, all else kFailure.
+    int failed(std::ostream& err, const util::Error& error, const std::string& subject = {}) const;
+};
+
 /// A program's work: results go to `out`, messages to `err`, and it answers the exit code.
 using Tool = std::function<int(const Arguments& arguments, std::ostream& out, std::ostream& err)>;
 

@@ -6,6 +6,12 @@
 
 namespace halvane::util {
 
+namespace {
+
+bool isControl(unsigned char c) { return c < 0x20 || c == 0x7F; }
+
+}  // namespace
+
 std::string replaced(std::string_view text, std::string_view from, std::string_view to) {
     if (from.empty()) return std::string(text);
     std::string result;
@@ -42,6 +48,13 @@ std::string trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(kSpace);
     if (first == std::string_view::npos) return {};
     return std::string(text.substr(first, text.find_last_not_of(kSpace) - first + 1));
+}
+
+bool hasControls(std::string_view text) { return std::ranges::any_of(text, isControl); }
+
+std::string withoutControls(std::string text) {
+    std::ranges::replace_if(text, isControl, '?');
+    return text;
 }
 
 bool isHostName(std::string_view name) {

@@ -17,6 +17,10 @@ std::string lowercasedAscii(std::string_view text);
 std::vector<std::string> split(std::string_view text, char separator);
 std::string trimmed(std::string_view text);
 bool isValidUtf8(std::string_view bytes);
+/// ASCII control characters, line feeds among them.
+bool hasControls(std::string_view text);
+/// Each of them replaced by "?": what comes from elsewhere, on a line of its own.
+std::string withoutControls(std::string text);
 /// Letters, digits, hyphens and dots, at most 253 of them. Nothing that would be a separator somewhere.
 bool isHostName(std::string_view name);
 /// Escapes what may not stand in a URL: controls, space, ``"#%<>[\]^`{|}`` and all bytes above 127.

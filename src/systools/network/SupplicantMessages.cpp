@@ -1,8 +1,9 @@
 #include "systools/network/SupplicantMessages.h"
 
+#include "util/Text.h"
+
 #include <unistd.h>
 
-#include <algorithm>
 #include <string_view>
 
 namespace halvane::systools {
@@ -26,10 +27,7 @@ void SupplicantMessages::onEap(GDBusConnection*, const char*, const char*, const
     auto& reason = messages.reason_;
     messages.begun_ = true;
     const std::string_view about = status;
-    std::string text = detail;
-    // It comes from the other side of the cable.
-    std::ranges::replace_if(
-        text, [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
+    const std::string text = util::withoutControls(detail);  // it comes from the other side of the cable
     if (about == "remote certificate verification" && text != "success") {
         reason = std::string("the network's authenticator is not the company's: ") + text;
     } else if (about == "remote TLS alert" && !reason) {

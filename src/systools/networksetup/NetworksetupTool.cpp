@@ -11,19 +11,11 @@ namespace halvane::systools {
 
 namespace {
 
+Complaint complaint() { return {"networksetup", NetworksetupTool::usageText()}; }
+
 constexpr const char* kService = "Wi-Fi";
 /// The client's word for the interface of this computer, whatever it is called.
 constexpr const char* kPrimaryInterface = "en0";
-
-int misused(std::ostream& err, const std::string& message) {
-    err << "networksetup: " << message << "\n" << NetworksetupTool::usageText();
-    return kUsage;
-}
-
-int failed(std::ostream& err, const util::Error& error, const std::string& subject = {}) {
-    err << "networksetup: " << subject << (subject.empty() ? "" : ": ") << error.description << "\n";
-    return error.domain == kToolErrorDomain ? error.code : kFailure;
-}
 
 std::string subjectOf(const NetworkService::Attempt& attempt) {
     return attempt.device.empty() ? attempt.network : attempt.network + " on " + attempt.device;
@@ -48,17 +40,19 @@ const char* NetworksetupTool::usageText() {
 }
 
 int NetworksetupTool::run(const Arguments& arguments, std::ostream& out, std::ostream& err) {
-    if (arguments.empty()) return misused(err, "no command");
+    if (arguments.empty()) return complaint().misused(err, "no command");
     const std::string& command = arguments[0];
     if (command == "--help" || command == "-h" || command == "-help") {
         out << usageText();
         return kSuccess;
     }
-    if (command != "-setairportnetwork" && command != "-setnetworkserviceenabled") return misused(err, "there is no command " + command);
-    if (arguments.size() != 3) return misused(err, command + " takes two values");
+    if (command != "-setairportnetwork" && command != "-setnetworkserviceenabled")
+        return complaint().misused(err, "there is no command " + command);
+    if (arguments.size() != 3) return complaint().misused(err, command + " takes two values");
     if (command == "-setairportnetwork") return join(arguments[1], arguments[2], err);
-    if (arguments[1] != kService) return failed(err, toolError(kNotFound, "there is no service " + arguments[1] + ", only " + kService));
-    if (arguments[2] != "on" && arguments[2] != "off") return misused(err, "the service is switched on or off");
+    if (arguments[1] != kService)
+        return complaint().failed(err, toolError(kNotFound, "there is no service " + arguments[1] + ", only " + kService));
+    if (arguments[2] != "on" && arguments[2] != "off") return complaint().misused(err, "the service is switched on or off");
     return switchService(arguments[2] == "on", err);
 }
 
@@ -75,22 +69,22 @@ std::optional<util::Error> NetworksetupTool::unusable(const CompanyConnection& c
 }
 
 int NetworksetupTool::join(const std::string& interface, const std::string& network, std::ostream& err) {
-    if (interface.empty() || network.empty()) return misused(err, "an interface and a network have names");
+    if (interface.empty() || network.empty()) return complaint().misused(err, "an interface and a network have names");
     const auto service = connect_();
-    if (!service) return failed(err, service.error());
+    if (!service) return complaint().failed(err, service.error());
     auto connections = (*service)->installed(owner_);
     std::erase_if(connections, [&](const auto& each) { return each.connection.network != network; });
-    if (connections.empty()) return failed(err, toolError(kNoNetwork, "no installed profile has the network " + network));
+    if (connections.empty()) return complaint().failed(err, toolError(kNoNetwork, "no installed profile has the network " + network));
     // Another profile may have the same network with a certificate that is still there.
     const auto why = unusable(connections.front().connection);
     std::erase_if(connections, [](const auto& each) { return unusable(each.connection).has_value(); });
-    if (connections.empty()) return failed(err, *why, network);
+    if (connections.empty()) return complaint().failed(err, *why, network);
 
     const auto attempts = (*service)->join(connections, interface == kPrimaryInterface ? std::nullopt : std::optional(interface));
     if (std::ranges::any_of(attempts, [](const auto& attempt) { return !attempt.why; })) return kSuccess;
     int code = kFailure;
     for (const auto& attempt : attempts) {
-        const int own = failed(err, *attempt.why, subjectOf(attempt));
+        const int own = complaint().failed(err, *attempt.why, subjectOf(attempt));
         if (&attempt == &attempts.front() || rank(own) < rank(code)) code = own;
     }
     return code;
@@ -98,27 +92,27 @@ int NetworksetupTool::join(const std::string& interface, const std::string& netw
 
 int NetworksetupTool::switchService(bool on, std::ostream& err) {
     const auto service = connect_();
-    if (!service) return failed(err, service.error());
+    if (!service) return complaint().failed(err, service.error());
     int code = kSuccess;
-    if (auto set = (*service)->setWireless(on); !set) code = failed(err, set.error());
+    if (auto set = (*service)->setWireless(on); !set) code = complaint().failed(err, set.error());
     // A computer whose radios are off would stay in the company's network by cable.
     auto wired = (*service)->installed(owner_);
     std::erase_if(wired, [](const auto& each) { return each.connection.medium != Medium::Wired; });
     if (!on) {
         for (const auto& each : wired) {
-            if (auto left = (*service)->leave(each.handle); !left) code = failed(err, left.error(), each.connection.network);
+            if (auto left = (*service)->leave(each.handle); !left) code = complaint().failed(err, left.error(), each.connection.network);
         }
         return code;
     }
     // They stay down where they cannot be joined: that is no failure of the switch.
     std::erase_if(wired, [&](const auto& each) {
         const auto why = unusable(each.connection);
-        if (why) failed(err, *why, each.connection.network);
+        if (why) complaint().failed(err, *why, each.connection.network);
         return why.has_value();
     });
     if (wired.empty()) return code;
     for (const auto& attempt : (*service)->join(wired, std::nullopt)) {
-        if (attempt.why) failed(err, *attempt.why, subjectOf(attempt));
+        if (attempt.why) complaint().failed(err, *attempt.why, subjectOf(attempt));
     }
     return code;
 }

@@ -25,10 +25,6 @@ constexpr std::size_t kLongestName = 120;
 
 std::string textIn(const util::Value& payload, const char* key) { return util::textOf(util::member(&payload, key)).value_or(""); }
 
-bool hasControls(const std::string& text) {
-    return std::ranges::any_of(text, [](unsigned char c) { return c < 0x20 || c == 0x7F; });
-}
-
 /// The texts of a list, or of one text standing alone.
 std::vector<std::string> textsIn(const util::Value* value) {
     std::vector<std::string> texts;
@@ -82,7 +78,7 @@ private:
         Network network{.medium = medium};
         network.name = textIn(payload, medium == Medium::Wifi ? "SSID_STR" : "NetworkName");
         const std::size_t longest = medium == Medium::Wifi ? kLongestSsid : kLongestName;
-        if (network.name.empty() || network.name.size() > longest || hasControls(network.name))
+        if (network.name.empty() || network.name.size() > longest || util::hasControls(network.name))
             return dataError("a network payload has no usable name");
         network.hidden = util::booleanOf(util::member(&payload, "HIDDEN_NETWORK"));
         network.onlyWpa3 = textIn(payload, "EncryptionType") == "WPA3";
@@ -117,7 +113,7 @@ util::Result<void> check(const ConfigurationProfile& profile) {
 
 bool ConfigurationProfile::isIdentifier(const std::string& text) {
     return !text.empty() && text.size() <= kLongestName && std::filesystem::path(text).filename() == text && !text.starts_with('.') &&
-           !hasControls(text) && util::isValidUtf8(text);
+           !util::hasControls(text) && util::isValidUtf8(text);
 }
 
 util::Result<ConfigurationProfile> ConfigurationProfile::parse(const util::Bytes& bytes) {

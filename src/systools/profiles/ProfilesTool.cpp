@@ -9,16 +9,7 @@ namespace halvane::systools {
 
 namespace {
 
-int misused(std::ostream& err, const std::string& message) {
-    err << "profiles: " << message << "\n" << ProfilesTool::usageText();
-    return kUsage;
-}
-
-int failed(std::ostream& err, const util::Error& error, const std::string& subject = {}) {
-    err << "profiles: " << subject << (subject.empty() ? "" : ": ") << error.description << "\n";
-    if (error.domain == util::kDataErrorDomain) return kMalformed;
-    return error.domain == kToolErrorDomain ? error.code : kFailure;
-}
+Complaint complaint() { return {"profiles", ProfilesTool::usageText()}; }
 
 }  // namespace
 
@@ -32,21 +23,21 @@ const char* ProfilesTool::usageText() {
 }
 
 int ProfilesTool::run(const Arguments& arguments, std::ostream& out, std::ostream& err) {
-    if (arguments.empty()) return misused(err, "no command");
+    if (arguments.empty()) return complaint().misused(err, "no command");
     const std::string& command = arguments[0];
     if (command == "--help" || command == "-h" || command == "help") {
         out << usageText();
         return kSuccess;
     }
-    if (command != "install" && command != "remove") return misused(err, "there is no command " + command);
-    if (arguments.size() != 3) return misused(err, command + " takes one option with its value");
+    if (command != "install" && command != "remove") return complaint().misused(err, "there is no command " + command);
+    if (arguments.size() != 3) return complaint().misused(err, command + " takes one option with its value");
     const std::string& value = arguments[2];
-    if (value.empty()) return misused(err, arguments[1] + " takes a value that is not empty");
+    if (value.empty()) return complaint().misused(err, arguments[1] + " takes a value that is not empty");
     if (arguments[1] == "-path" && command == "install") return install(value, out, err);
     if (arguments[1] == "-identifier" && command == "remove") return remove(value, out, err);
-    if (arguments[1] != "-path") return misused(err, command + " has no option " + arguments[1]);
+    if (arguments[1] != "-path") return complaint().misused(err, command + " has no option " + arguments[1]);
     const auto profile = read(value);
-    return profile ? remove(profile->identifier, out, err) : failed(err, profile.error(), value);
+    return profile ? remove(profile->identifier, out, err) : complaint().failed(err, profile.error(), value);
 }
 
 util::Result<ConfigurationProfile> ProfilesTool::read(const std::string& path) const {
@@ -62,20 +53,20 @@ util::Result<ConfigurationProfile> ProfilesTool::read(const std::string& path) c
 int ProfilesTool::install(const std::string& path, std::ostream& out, std::ostream& err) {
     // The certificate store that it goes by is the user's; so are the files that it writes.
     if (user_.isBehindAdministrator())
-        return failed(err, toolError(kForbidden, "a profile is installed by the user, not by the administrator"));
+        return complaint().failed(err, toolError(kForbidden, "a profile is installed by the user, not by the administrator"));
     const auto profile = read(path);
-    if (!profile) return failed(err, profile.error(), path);
+    if (!profile) return complaint().failed(err, profile.error(), path);
     for (const auto& payload : profile->skipped) err << "profiles: left out, because it is of no known kind: payload " << payload << "\n";
     const auto networks = installer_.install(*profile);
-    if (!networks) return failed(err, networks.error(), path);
+    if (!networks) return complaint().failed(err, networks.error(), path);
     out << fmt::format("installed {}: {}\n", profile->identifier,
                        networks->empty() ? "no networks" : fmt::format("{}", fmt::join(*networks, ", ")));
     return kSuccess;
 }
 
 int ProfilesTool::remove(const std::string& identifier, std::ostream& out, std::ostream& err) {
-    if (!ConfigurationProfile::isIdentifier(identifier)) return misused(err, "no profile has such an identifier");
-    if (auto removed = installer_.remove(identifier); !removed) return failed(err, removed.error());
+    if (!ConfigurationProfile::isIdentifier(identifier)) return complaint().misused(err, "no profile has such an identifier");
+    if (auto removed = installer_.remove(identifier); !removed) return complaint().failed(err, removed.error());
     out << "removed " << identifier << "\n";
     return kSuccess;
 }

@@ -8,7 +8,6 @@
 #include <openssl/x509.h>
 #include <openssl/x509v3.h>
 
-#include <algorithm>
 #include <array>
 #include <ctime>
 
@@ -78,8 +77,6 @@ util::Bytes Certificate::pem() const {
     return {written, static_cast<std::size_t>(size)};
 }
 
-bool isPrintable(const std::string& commonName) {
-    return !commonName.empty() && std::ranges::none_of(commonName, [](unsigned char c) { return c < 0x20 || c == 0x7F; });
-}
+bool isPrintable(const std::string& commonName) { return !commonName.empty() && !util::hasControls(commonName); }
 
 }  // namespace halvane::systools

@@ -1,5 +1,7 @@
 #include "systools/security/SecurityTool.h"
 
+#include "util/Text.h"
+
 #include <fmt/format.h>
 
 #include <cerrno>
@@ -8,25 +10,14 @@ namespace halvane::systools {
 
 namespace {
 
+Complaint complaint() { return {"security", SecurityTool::usageText()}; }
+
 constexpr const char* kKeychain = "login.keychain";
 constexpr std::string_view kFromEnvironment = "env:";
-
-int misused(std::ostream& err, const std::string& message) {
-    err << "security: " << message << "\n" << SecurityTool::usageText();
-    return kUsage;
-}
 
 int failed(std::ostream& err, const std::string& message) {
     err << "security: " << message << "\n";
     return kFailure;
-}
-
-/// A name for a line of its own: the browser may have put anything there.
-std::string oneLine(std::string name) {
-    for (char& c : name) {
-        if (!isPrintable(std::string(1, c))) c = '?';
-    }
-    return name;
 }
 
 }  // namespace
@@ -41,7 +32,7 @@ const char* SecurityTool::usageText() {
 }
 
 int SecurityTool::run(const Arguments& arguments, std::ostream& out, std::ostream& err) {
-    if (arguments.empty()) return misused(err, "no command");
+    if (arguments.empty()) return complaint().misused(err, "no command");
     const std::string& command = arguments.front();
     const Arguments rest(arguments.begin() + 1, arguments.end());
     if (command == "--help" || command == "-h" || command == "help") {
@@ -51,7 +42,7 @@ int SecurityTool::run(const Arguments& arguments, std::ostream& out, std::ostrea
     if (command == "import") return import(rest, out, err);
     if (command == "find-identity") return findIdentity(rest, out, err);
     if (command == "delete-certificate") return deleteCertificate(rest, out, err);
-    return misused(err, "there is no command " + command);
+    return complaint().misused(err, "there is no command " + command);
 }
 
 int SecurityTool::import(const Arguments& arguments, std::ostream& out, std::ostream& err) {
@@ -62,19 +53,19 @@ int SecurityTool::import(const Arguments& arguments, std::ostream& out, std::ost
         const std::string& argument = arguments[i];
         std::optional<std::string>* slot = argument == "-k" ? &keychain : argument == "-P" ? &password : nullptr;
         if (slot != nullptr) {
-            if (i + 1 == arguments.size() || *slot) return misused(err, argument + " takes one value, once");
+            if (i + 1 == arguments.size() || *slot) return complaint().misused(err, argument + " takes one value, once");
             *slot = arguments[++i];
         } else if (argument.starts_with('-')) {
-            return misused(err, "import has no option " + argument);
+            return complaint().misused(err, "import has no option " + argument);
         } else if (path) {
-            return misused(err, "import takes one file");
+            return complaint().misused(err, "import takes one file");
         } else {
             path = argument;
         }
     }
-    if (!path || path->empty()) return misused(err, "import needs a file");
-    if (keychain && *keychain != kKeychain) return misused(err, "there is no keychain " + *keychain + ", only " + kKeychain);
-    if (!password) return misused(err, "import needs a password (-P); it asks for none");
+    if (!path || path->empty()) return complaint().misused(err, "import needs a file");
+    if (keychain && *keychain != kKeychain) return complaint().misused(err, "there is no keychain " + *keychain + ", only " + kKeychain);
+    if (!password) return complaint().misused(err, "import needs a password (-P); it asks for none");
     if (password->starts_with(kFromEnvironment)) {
         const std::string name = password->substr(kFromEnvironment.size());
         password = variable_(name.c_str());
@@ -97,14 +88,14 @@ int SecurityTool::importFile(const std::string& path, const std::string& passwor
 }
 
 int SecurityTool::findIdentity(const Arguments& arguments, std::ostream& out, std::ostream& err) {
-    if (!arguments.empty()) return misused(err, "find-identity takes no arguments");
+    if (!arguments.empty()) return complaint().misused(err, "find-identity takes no arguments");
     const auto identities = store_.identities();
     if (!identities) return failed(err, identities.error().description);
     std::size_t number = 0;
     for (const auto& identity : *identities) {
-        out << fmt::format("  {}) {} \"{}\"\n", ++number, identity.fingerprint, oneLine(identity.commonName));
+        out << fmt::format("  {}) {} \"{}\"\n", ++number, identity.fingerprint, util::withoutControls(identity.commonName));
         if (!store_.hasFile(identity.commonName))
-            err << "security: network connections cannot use \"" << oneLine(identity.commonName)
+            err << "security: network connections cannot use \"" << util::withoutControls(identity.commonName)
                 << "\": it was not imported by this program\n";
     }
     out << fmt::format("     {} identities found\n", number);
@@ -113,11 +104,11 @@ int SecurityTool::findIdentity(const Arguments& arguments, std::ostream& out, st
 
 int SecurityTool::deleteCertificate(const Arguments& arguments, std::ostream&, std::ostream& err) {
     if (arguments.size() != 2 || arguments[0] != "-c" || arguments[1].empty())
-        return misused(err, "delete-certificate takes -c and a name");
+        return complaint().misused(err, "delete-certificate takes -c and a name");
     const auto removed = store_.remove(arguments[1]);
     if (!removed) return failed(err, removed.error().description);
     if (*removed) return kSuccess;
-    err << "security: there is no certificate of the name \"" << oneLine(arguments[1]) << "\"\n";
+    err << "security: there is no certificate of the name \"" << util::withoutControls(arguments[1]) << "\"\n";
     return kNotFound;
 }
 
