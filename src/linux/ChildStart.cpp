@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -94,6 +95,13 @@ util::Result<pid_t> ChildStart::start(const std::string& subject) const {
     const int code = SpawnSettings().spawn(pid, *this, pointersTo(words).data(), pointersTo(variables).data());
     if (code != 0) return util::fileError(code, subject);
     return pid;
+}
+
+int ChildStart::awaitEnd(pid_t child) {
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return status;
 }
 
 }  // namespace halvane::linux

@@ -26,6 +26,9 @@ struct ChildStart {
 
     /// The child's process id. Error: an errno, `subject` in its text. Texts with a NUL are EINVAL.
     [[nodiscard]] util::Result<pid_t> start(const std::string& subject) const;
+
+    /// Waits for a child's end and collects it: its wait status. Blocks.
+    static int awaitEnd(pid_t child);
 };
 
 }  // namespace halvane::linux

@@ -1,6 +1,6 @@
 #include "linux/NetworkManagerClient.h"
 
-#include <systemd/sd-bus.h>
+#include "linux/device/BusCalls.h"
 
 #include <cstdint>
 #include <string_view>
@@ -15,15 +15,6 @@ constexpr const char* kName = "org.freedesktop.NetworkManager";
 constexpr const char* kPath = "/org/freedesktop/NetworkManager";
 constexpr std::uint64_t kAnswerTimeUsec = 2'000'000;
 
-struct CloseBus {
-    // Without flushing: that would wait for a bus that does not read.
-    void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
-};
-struct UnrefMessage {
-    void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
-};
-using Message = std::unique_ptr<sd_bus_message, UnrefMessage>;
-
 ReachabilityStatus statusOf(std::uint32_t state, std::string_view connectionType) {
     constexpr std::uint32_t kDisconnected = 20;
     if (state <= kDisconnected || connectionType.empty()) return ReachabilityStatus::NotReachable;
@@ -35,8 +26,8 @@ ReachabilityStatus statusOf(std::uint32_t state, std::string_view connectionType
 
 class NetworkManagerClient::State {
 public:
-    explicit State(const std::string& busAddress) {
-        if (connect(busAddress) && follow() && ask()) return;
+    explicit State(const std::string& busAddress) : bus(connectToBus(busAddress)) {
+        if (bus && follow() && ask()) return;
         drop();
     }
 
@@ -49,7 +40,7 @@ public:
         }
     }
 
-    std::unique_ptr<sd_bus, CloseBus> bus;
+    BusPointer bus;
     Knowledge knowledge = Knowledge::Asked;
     std::uint32_t networkState = 0;
     std::string connectionType;
@@ -58,15 +49,6 @@ private:
     void drop() {
         bus.reset();
         knowledge = Knowledge::Absent;
-    }
-
-    bool connect(const std::string& address) {
-        sd_bus* raw = nullptr;
-        const int opened = address.empty() ? sd_bus_open_system(&raw) : sd_bus_new(&raw);
-        bus.reset(raw);
-        if (opened < 0) return false;
-        return address.empty() ||
-               (sd_bus_set_address(raw, address.c_str()) >= 0 && sd_bus_set_bus_client(raw, 1) >= 0 && sd_bus_start(raw) >= 0);
     }
 
     bool follow() {
@@ -81,7 +63,7 @@ private:
     bool ask() {
         sd_bus_message* raw = nullptr;
         if (sd_bus_message_new_method_call(bus.get(), &raw, kName, kPath, "org.freedesktop.DBus.Properties", "GetAll") < 0) return false;
-        const Message question(raw);
+        const BusMessage question(raw);
         // A machine whose NetworkManager is switched off keeps it so.
         return sd_bus_message_set_auto_start(raw, 0) >= 0 && sd_bus_message_append(raw, "s", kName) >= 0 &&
                sd_bus_call_async(bus.get(), nullptr, raw, &State::onAnswer, this, kAnswerTimeUsec) >= 0;

@@ -38,7 +38,7 @@ util::Result<util::Bytes> Pipe::readToEnd(int descriptor, const std::string& sub
     for (std::size_t filled = 0;;) {
         // Growing by halves keeps the copying of large outputs linear.
         if (bytes.size() == filled) bytes.resize(filled + std::max<std::size_t>(4096, filled / 2));
-        if (mustStop(descriptor, stop)) return util::fileError(ECANCELED, subject);
+        if (stop >= 0 && mustStop(descriptor, stop)) return util::fileError(ECANCELED, subject);
         const auto got = ::read(descriptor, bytes.data() + filled, bytes.size() - filled);
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return util::fileError(errno, subject);

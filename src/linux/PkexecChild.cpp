@@ -36,14 +36,6 @@ bool markerCloses(int marker, std::chrono::milliseconds longest) {
     return ready > 0;
 }
 
-/// The wait status of a child that ends by itself, now.
-int collected(pid_t process) {
-    int status = 0;
-    while (::waitpid(process, &status, 0) < 0 && errno == EINTR) {
-    }
-    return status;
-}
-
 /// By the administrator: others need not be allowed to.
 bool canBeExecuted(const std::string& program) {
     struct stat seen {};
@@ -101,7 +93,7 @@ OSStatus PkexecChild::awaitStart(pid_t process, int marker) const {
     if (!markerCloses(marker, longestQuestion_)) {
         // Where that is not allowed, the person has agreed at this very moment.
         if (::kill(process, SIGTERM) == 0) {
-            collected(process);
+            ChildStart::awaitEnd(process);
             return platform::kAuthorizationCanceled;
         }
         markerCloses(marker, longestQuestion_);
@@ -111,7 +103,7 @@ OSStatus PkexecChild::awaitStart(pid_t process, int marker) const {
     // Systems may hide other people's processes; then only its end tells.
     const bool ended = isPkexec || (!status && endsLikePkexec(process));
     if (!ended) return platform::kAuthorizationSuccess;
-    const int waitStatus = collected(process);
+    const int waitStatus = ChildStart::awaitEnd(process);
     if (WIFEXITED(waitStatus) && WEXITSTATUS(waitStatus) == kDismissed) return platform::kAuthorizationCanceled;
     return authority_.isThere() ? platform::kAuthorizationDenied : platform::kAuthorizationNotAvailable;
 }

@@ -36,6 +36,7 @@ public:
                          std::chrono::milliseconds longestQuestion = kLongestQuestion)
         : authority_(std::move(authority)), pkexec_(std::move(pkexec)), longestQuestion_(longestQuestion) {}
 
+    [[nodiscard]] const PolkitAuthority& authority() const { return authority_; }
     [[nodiscard]] bool isInstalled() const;
     /// Blocks until the program runs or will not run.
     [[nodiscard]] Started start(const Order& order) const;

@@ -30,12 +30,8 @@ private:
 
 }  // namespace
 
-PolkitAuthorization::PolkitAuthorization(ToolRoot tools, util::Log& log, PkexecChild pkexec, PolkitAuthority authority)
-    : tools_(std::move(tools)),
-      log_(log),
-      pkexec_(std::move(pkexec)),
-      authority_(std::move(authority)),
-      canExecute_(pkexec_.isInstalled()) {}
+PolkitAuthorization::PolkitAuthorization(ToolRoot tools, util::Log& log, PkexecChild pkexec)
+    : tools_(std::move(tools)), log_(log), pkexec_(std::move(pkexec)), canExecute_(pkexec_.isInstalled()) {}
 
 platform::AuthorizationServices::Created PolkitAuthorization::create() { return {.authorization = ++last_}; }
 
@@ -43,8 +39,8 @@ OSStatus PolkitAuthorization::copyRights(platform::AuthorizationRef, const std::
                                          std::uint32_t) {
     for (const auto& right : rights) {
         auto answer = PolkitAuthority::Answer::UnknownAction;
-        if (right.value == kProfiles) answer = authority_.check(kProfilesAction);
-        if (answer == PolkitAuthority::Answer::UnknownAction) answer = authority_.check(PolkitAuthority::kExecute);
+        if (right.value == kProfiles) answer = pkexec_.authority().check(kProfilesAction);
+        if (answer == PolkitAuthority::Answer::UnknownAction) answer = pkexec_.authority().check(PolkitAuthority::kExecute);
         if (answer == PolkitAuthority::Answer::Possible) continue;
         const bool refused = answer == PolkitAuthority::Answer::Refused;
         log_.write(refused ? "polkit: the policy lets nobody here run " + right.value + " as the administrator" : "polkit: not available");

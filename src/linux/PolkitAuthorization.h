@@ -1,7 +1,6 @@
 #pragma once
 
 #include "linux/PkexecChild.h"
-#include "linux/PolkitAuthority.h"
 #include "linux/ToolRoot.h"
 #include "platform/AuthorizationServices.h"
 
@@ -21,7 +20,7 @@ namespace halvane::linux {
 class PolkitAuthorization final : public platform::AuthorizationServices {
 public:
     /// `tools`: the installed ones. What runs as the administrator is never chosen by an environment.
-    PolkitAuthorization(ToolRoot tools, util::Log& log, PkexecChild pkexec = PkexecChild(), PolkitAuthority authority = PolkitAuthority());
+    PolkitAuthorization(ToolRoot tools, util::Log& log, PkexecChild pkexec = PkexecChild());
 
     [[nodiscard]] bool canExecuteWithPrivileges() const override { return canExecute_; }
     Created create() override;
@@ -35,7 +34,6 @@ private:
     const ToolRoot tools_;
     util::Log& log_;
     const PkexecChild pkexec_;
-    const PolkitAuthority authority_;
     const bool canExecute_;
     std::atomic<platform::AuthorizationRef> last_{0};
 };

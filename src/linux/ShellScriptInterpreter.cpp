@@ -114,9 +114,7 @@ std::variant<std::string, Failure> ShellScriptInterpreter::execute(const std::st
     started.output.close();
     started.errors.close();
     if (!ended) ::kill(started.process, SIGKILL);
-    int status = 0;
-    while (::waitpid(started.process, &status, 0) < 0 && errno == EINTR) {
-    }
+    const int status = ChildStart::awaitEnd(started.process);
     auto& [output, errors] = texts;
     if (!ended) return Failure{EFBIG, "The command writes without end."};
     if (WIFEXITED(status) && WEXITSTATUS(status) == 0) {

@@ -51,7 +51,7 @@ protected:
     [[nodiscard]] PkexecChild child(std::chrono::milliseconds longestQuestion = 5s) const {
         return PkexecChild(PolkitAuthority(bus.address(), 2s), pkexecPath(), longestQuestion);
     }
-    PolkitAuthorization authorization() { return {ToolRoot(directory.path() / "tools"), log, child(), PolkitAuthority(bus.address(), 2s)}; }
+    PolkitAuthorization authorization() { return {ToolRoot(directory.path() / "tools"), log, child()}; }
     /// What polkit says of each action: "yes", "ask", "no", or the name of an error.
     test::BusService polkit(std::map<std::string, std::string> answers) {
         return {bus, "org.freedesktop.PolicyKit1", "/org/freedesktop/PolicyKit1/Authority",
@@ -176,7 +176,7 @@ TEST_F(AuthorizationTest, without_polkit_there_are_no_rights) {
     const std::vector<platform::AuthorizationRight> rights{{.name = "system.privilege.admin", .value = "/usr/bin/profiles"}};
     EXPECT_EQ(own.copyRights(created.authorization, rights, 19), platform::kAuthorizationNotAvailable);
     EXPECT_EQ(log.lines(), std::vector<std::string>{"polkit: not available"});
-    PolkitAuthorization noBus(ToolRoot("/nowhere"), log, child(), PolkitAuthority("unix:path=/nowhere/bus"));
+    PolkitAuthorization noBus(ToolRoot("/nowhere"), log, PkexecChild(PolkitAuthority("unix:path=/nowhere/bus"), pkexecPath()));
     EXPECT_EQ(noBus.copyRights(1, rights, 19), platform::kAuthorizationNotAvailable);
     pkexec("#!/bin/sh\nexit 127\n");
     EXPECT_EQ(own.executeWithPrivileges(1, {.path = "/bin/true"}).status, platform::kAuthorizationNotAvailable);

@@ -13,14 +13,18 @@ struct BusCalls::Reply {
     std::string error;
 };
 
-BusCalls::BusCalls(const std::string& address, std::chrono::milliseconds deadline) : end_(Clock::now() + deadline) {
+BusPointer connectToBus(const std::string& address) {
     sd_bus* raw = nullptr;
     const int opened = address.empty() ? sd_bus_open_system(&raw) : sd_bus_new(&raw);
-    bus_.reset(raw);
+    BusPointer bus(raw);
     const bool connected = opened >= 0 && (address.empty() || (sd_bus_set_address(raw, address.c_str()) >= 0 &&
                                                                sd_bus_set_bus_client(raw, 1) >= 0 && sd_bus_start(raw) >= 0));
-    if (!connected) bus_.reset();
+    if (!connected) bus.reset();
+    return bus;
 }
+
+BusCalls::BusCalls(const std::string& address, std::chrono::milliseconds deadline)
+    : end_(Clock::now() + deadline), bus_(connectToBus(address)) {}
 
 BusMessage BusCalls::question(const char* service, const char* path, const char* interface, const char* method) const {
     sd_bus_message* raw = nullptr;

@@ -13,6 +13,16 @@ struct UnrefBusMessage {
 };
 using BusMessage = std::unique_ptr<sd_bus_message, UnrefBusMessage>;
 
+struct CloseBus {
+    // Without flushing: that would wait for a bus that does not read.
+    void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
+};
+using BusPointer = std::unique_ptr<sd_bus, CloseBus>;
+
+/// Begins a connection, without waiting for the bus to let us in. `address`: the bus to use; empty for the system's.
+/// Null when there is none.
+BusPointer connectToBus(const std::string& address);
+
 /// A few questions to services on a bus. It connects, asks and hangs up; all of it together blocks for the deadline at
 /// the most, whatever the other side does. One thread.
 class BusCalls {
@@ -28,15 +38,11 @@ public:
     [[nodiscard]] const std::string& error() const { return error_; }
 
 private:
-    struct CloseBus {
-        // Without flushing: that would wait for a bus that does not read.
-        void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
-    };
     struct Reply;
     static int onReply(sd_bus_message* message, void* reply, sd_bus_error* error);
 
     const std::chrono::steady_clock::time_point end_;
-    std::unique_ptr<sd_bus, CloseBus> bus_;
+    BusPointer bus_;
     std::string error_;
 };
 
