@@ -6,17 +6,21 @@ from pathlib import Path
 from processes import expect, output_of, wait_for
 
 LOGIN = "/api/client/login"
+RADIUS = "radius.example.com"
 
 
 class Company:
     USER = "chen.xiao"
     PASSWORD = "orchard-7-lantern"
 
-    def __init__(self, processes, program, folder, env):
+    def __init__(self, processes, program, folder, env, name="server", **options):
+        """`name` is that of the server's logs, `options` are for its process."""
         self._processes = processes
+        self._name = name
+        self._options = options
         self._program = program
         self._data = Path(folder, "company")
-        self._access_log = processes.logs / "access.log"
+        self._access_log = processes.logs / f"{name}-access.log"
         self._env = env
         self.url = ""
         self.user_name = ""
@@ -27,11 +31,12 @@ class Company:
         expect(addresses, f"the small company has no {self.USER}: {seeded}")
         self.user_name = addresses[0]
         server = self._processes.start(
-            "server", [self._program, "serve", "--port", 0, "--data", self._data, "--access-log", self._access_log], self._env)
+            self._name, [self._program, "serve", "--port", 0, "--data", self._data, "--access-log", self._access_log], self._env,
+            **self._options)
 
         def address():
             expect(server.poll() is None, "the server ended")
-            return re.search(r"(?m)^halvane-server: (http\S+)$", self._processes.log_text("server"))
+            return re.search(r"(?m)^halvane-server: (http\S+)$", self._processes.log_text(self._name))
 
         self.url = wait_for("the server's address", address)[1]
 
@@ -40,8 +45,8 @@ class Company:
         Path(directory).mkdir()
         output_of(self._program, "profile", template, "--out", Path(directory, template.name), "--data", self._data, env=self._env)
 
-    def equip_authenticator(self, certificate, authority):
-        output_of(self._program, "radius-cert", "radius.example.com", "--out", certificate, "--data", self._data, env=self._env)
+    def equip_authenticator(self, certificate, authority, host=RADIUS):
+        output_of(self._program, "radius-cert", host, "--out", certificate, "--data", self._data, env=self._env)
         authority.write_bytes(output_of(self._program, "ca", "show", "--data", self._data, env=self._env))
 
     @property

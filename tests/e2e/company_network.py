@@ -1,5 +1,6 @@
 """The company's network beside the journey, where this machine can have one: it stands in namespaces of its own, and the
 client reaches the NetworkManager in there by its system bus."""
+import functools
 import os
 import subprocess
 import sys
@@ -13,6 +14,7 @@ sys.path.append(str(LAB))
 import inside
 
 
+@functools.cache
 def what_is_missing():
     return "it needs root" if os.geteuid() else inside.what_is_missing()
 

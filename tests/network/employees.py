@@ -1,56 +1,43 @@
 """What the company gives an employee: a certificate from its server, and the profile that goes with it."""
 import json
 import plistlib
-import re
 import subprocess
 import urllib.request
 from pathlib import Path
 
+from company import RADIUS, Company
 from inside import end_with_parent
-from processes import expect, output_of, wait_for
-
-PASSWORD = "orchard-7-lantern"
-RADIUS = "radius.example.com"
+from processes import expect
 
 
-class NetworkCompany:
-    """A company's server and authority. Several may stand side by side; each has an authority of its own."""
+class NetworkCompany(Company):
+    """A company with a network. Several may stand side by side; each has an authority of its own."""
 
     def __init__(self, processes, build, folder):
-        self._processes = processes
-        self._program = build / "bin/halvane-server"
-        self._folder = Path(folder)
+        super().__init__(processes, build / "bin/halvane-server", folder, None, f"server-{folder.name}", preexec_fn=end_with_parent)
+        self._folder = folder
         self._folder.mkdir()
-        self._data = self._folder / "data"
-        self._url = ""
-        output_of(self._program, "seed", "--data", self._data, "--password", PASSWORD)
+        self._shipped = build / "share/halvane/brelton.mobileconfig"
         self.authority = self._folder / "authority.pem"
-        self.authority.write_bytes(output_of(self._program, "ca", "show", "--data", self._data))
         self.key = self._data / "authority.pem"
+        self.authenticator = None
+        self._template = {}
+
+    def start(self):
+        super().start()
         self.authenticator = self.authenticator_of(RADIUS)
-        template = self._folder / "brelton.mobileconfig"
-        output_of(self._program, "profile", build / "share/halvane/brelton.mobileconfig", "--out", template, "--data", self._data)
-        self.template = plistlib.loads(template.read_bytes())
+        self.fill_template(self._shipped, self._folder / "resources")
+        self._template = plistlib.loads((self._folder / "resources" / self._shipped.name).read_bytes())
 
     def authenticator_of(self, host):
         file = self._folder / f"{host}.pem"
-        output_of(self._program, "radius-cert", host, "--out", file, "--data", self._data)
+        self.equip_authenticator(file, self.authority, host)
         return file
-
-    def start(self):
-        name = f"server-{self._folder.name}"
-        server = self._processes.start(name, [self._program, "serve", "--data", self._data], None, preexec_fn=end_with_parent)
-
-        def address():
-            expect(server.poll() is None, "the server ended")
-            return re.search(r"(?m)^halvane-server: (http\S+)$", self._processes.log_text(name))
-
-        self._url = wait_for("the server's address", address)[1]
 
     def certificate(self, employee):
         """(PKCS#12 bytes, their password), newly issued."""
-        body = json.dumps({"username": employee, "password": PASSWORD}).encode()
-        request = urllib.request.Request(f"{self._url}/papi/admin/create_ad_cert", body, {"Content-Type": "application/json"})
+        body = json.dumps({"username": employee, "password": self.PASSWORD}).encode()
+        request = urllib.request.Request(f"{self.url}/papi/admin/create_ad_cert", body, {"Content-Type": "application/json"})
         with urllib.request.urlopen(request, timeout=10) as reply:
             answer = json.load(reply)
         expect(str(answer["code"]) == "200", f"the server issues a certificate: {answer['msg']}")
@@ -70,7 +57,7 @@ class NetworkCompany:
 
     def profile(self, certificate, password, employee):
         """As the client fills it."""
-        profile = plistlib.loads(plistlib.dumps(self.template))
+        profile = plistlib.loads(plistlib.dumps(self._template))
         profile["PayloadContent"][0] |= {"Password": password, "PayloadContent": certificate, "PayloadDisplayName": employee,
                                          "PayloadCertificateFileName": employee}
         return profile

@@ -17,7 +17,8 @@ import dbus
 import dbusmock
 
 from computer import NETWORK, PROFILE, Computer
-from employees import RADIUS, NetworkCompany
+from company import RADIUS
+from employees import NetworkCompany
 from processes import Processes, end_after, expect
 from stage import take
 from users import User
