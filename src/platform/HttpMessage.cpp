@@ -1,6 +1,7 @@
 #include "platform/HttpMessage.h"
 
 #include "util/Text.h"
+#include "util/Url.h"
 
 #include <algorithm>
 
@@ -15,37 +16,6 @@ bool sameName(std::string_view left, std::string_view right) {
 }
 
 bool breaksLine(std::string_view text) { return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos; }
-
-/// The last component of what may be a path, or empty where that would not name a file.
-std::string fileNameOf(std::string text) {
-    if (const auto end = text.find('\0'); end != std::string::npos) text.resize(end);
-    if (const auto slash = text.find_last_of("/\\"); slash != std::string::npos) text.erase(0, slash + 1);
-    text = util::trimmed(text);
-    constexpr std::size_t kLongestName = 255;
-    return text == "." || text == ".." || text.size() > kLongestName ? std::string() : text;
-}
-
-int hexDigit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
-
-std::string percentDecoded(std::string_view text) {
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const int high = text[i] == '%' && i + 2 < text.size() ? hexDigit(text[i + 1]) : -1;
-        const int low = high >= 0 ? hexDigit(text[i + 2]) : -1;
-        if (low >= 0) {
-            result += static_cast<char>(high * 16 + low);
-            i += 2;
-        } else {
-            result += text[i];
-        }
-    }
-    return result;
-}
 
 /// Parameters of a header value such as `attachment; filename="a;b.pfx"`, names in lower case.
 std::vector<std::pair<std::string, std::string>> parametersOf(std::string_view value) {
@@ -80,21 +50,13 @@ std::string dispositionFileName(std::string_view disposition) {
         if (name == "filename*") {
             const auto quote = value.rfind('\'');
             const auto decoded =
-                percentDecoded(quote == std::string::npos ? std::string_view(value) : std::string_view(value).substr(quote + 1));
+                util::percentDecoded(quote == std::string::npos ? std::string_view(value) : std::string_view(value).substr(quote + 1));
             if (util::isValidUtf8(decoded)) return decoded;
         } else if (name == "filename") {
             plain = value;
         }
     }
     return plain;
-}
-
-std::string pathFileName(std::string_view url) {
-    const auto authority = url.find("://");
-    const auto path = url.find('/', authority == std::string_view::npos ? 0 : authority + 3);
-    if (path == std::string_view::npos) return {};
-    const auto end = url.find_first_of("?#", path);
-    return percentDecoded(url.substr(path, end == std::string_view::npos ? end : end - path));
 }
 
 }  // namespace
@@ -145,9 +107,10 @@ std::string HttpResponse::mimeType() const {
 
 std::string HttpResponse::suggestedFileName() const {
     if (const std::string* disposition = headers.find("Content-Disposition")) {
-        if (std::string name = fileNameOf(dispositionFileName(*disposition)); !name.empty()) return name;
+        if (std::string name = util::fileNameOf(dispositionFileName(*disposition)); !name.empty()) return name;
     }
-    std::string name = fileNameOf(pathFileName(url));
+    const bool isDirectory = url.substr(0, url.find_first_of("?#")).ends_with('/');
+    std::string name = isDirectory ? std::string() : util::fileNameOfUrl(url);
     return name.empty() ? "Unknown" : name;
 }
 

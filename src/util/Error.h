@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace halvane::util {
@@ -26,7 +27,8 @@ enum class UrlError : int {
 struct Error {
     std::string domain;
     int code = 0;
-    std::string description;  ///< for the log and for support; English, one sentence, no secret in it
+    std::string description;          ///< for the log and for support; English, one sentence, no secret in it
+    std::optional<std::string> body;  ///< what a server sent that was refused; may hold secrets, so no log line prints it
 
     friend bool operator==(const Error&, const Error&) = default;
 };

@@ -1,25 +1,25 @@
 #include "util/Redaction.h"
 
 #include "util/Log.h"
+#include "util/Text.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 
 namespace halvane::util {
 
 namespace {
 
 /// Matched within the lower-case key, so that "ad_cert_password" and "Key_token" count too.
-constexpr std::array<std::string_view, 4> kSecretWords{"password", "passwd", "token", "uninstall_num"};
-
-bool isSecret(const std::string& key) {
-    std::string lower = key;
-    std::ranges::transform(lower, lower.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return std::ranges::any_of(kSecretWords, [&](std::string_view word) { return lower.find(word) != std::string::npos; });
-}
+constexpr std::array<std::string_view, 10> kSecretWords{"password", "passwd",        "token",  "uninstall_num", "passphrase",
+                                                        "secret",   "authorization", "cookie", "api_key",       "api-key"};
 
 }  // namespace
+
+bool isSecretKey(std::string_view key) {
+    const std::string lower = lowercasedAscii(key);
+    return std::ranges::any_of(kSecretWords, [&](std::string_view word) { return lower.find(word) != std::string::npos; });
+}
 
 Value redacted(const Value& value) {
     if (value.data() != nullptr) return kRedacted;
@@ -32,7 +32,7 @@ Value redacted(const Value& value) {
     if (const auto* dictionary = value.dictionary()) {
         Dictionary copy;
         for (const auto& [key, field] : *dictionary) {
-            copy.set(key, isSecret(key) && !field.isNull() ? Value(kRedacted) : redacted(field));
+            copy.set(key, isSecretKey(key) && !field.isNull() ? Value(kRedacted) : redacted(field));
         }
         return copy;
     }

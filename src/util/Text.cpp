@@ -83,20 +83,69 @@ bool isValidUtf8(std::string_view bytes) {
     return true;
 }
 
-std::string addingPercentEscapes(std::string_view text) {
-    constexpr std::string_view kEscaped = "\"#%<>[\\]^`{|}";
+namespace {
+
+template <typename MustEscape>
+std::string escapedWhere(std::string_view text, MustEscape mustEscape) {
     constexpr char kHex[] = "0123456789ABCDEF";
     std::string result;
     result.reserve(text.size());
     for (const char c : text) {
         const auto byte = static_cast<std::uint8_t>(c);
-        if (byte <= 0x20 || byte >= 0x7F || kEscaped.find(c) != std::string_view::npos) {
+        if (mustEscape(c)) {
             result += {'%', kHex[byte >> 4], kHex[byte & 0xF]};
         } else {
             result += c;
         }
     }
     return result;
+}
+
+bool isLetterOrDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+
+int hexDigit(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
+}  // namespace
+
+std::string addingPercentEscapes(std::string_view text) {
+    constexpr std::string_view kEscaped = "\"#%<>[\\]^`{|}";
+    return escapedWhere(text, [&](char c) {
+        const auto byte = static_cast<std::uint8_t>(c);
+        return byte <= 0x20 || byte >= 0x7F || kEscaped.find(c) != std::string_view::npos;
+    });
+}
+
+std::string percentEscapedComponent(std::string_view text) {
+    constexpr std::string_view kKept = "-._~/?";
+    return escapedWhere(text, [&](char c) { return !isLetterOrDigit(c) && kKept.find(c) == std::string_view::npos; });
+}
+
+std::string percentDecoded(std::string_view text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const int high = text[i] == '%' && i + 2 < text.size() ? hexDigit(text[i + 1]) : -1;
+        const int low = high >= 0 ? hexDigit(text[i + 2]) : -1;
+        if (low >= 0) {
+            result += static_cast<char>(high * 16 + low);
+            i += 2;
+        } else {
+            result += text[i];
+        }
+    }
+    return result;
+}
+
+std::string fileNameOf(std::string text) {
+    if (const auto end = text.find('\0'); end != std::string::npos) text.resize(end);
+    if (const auto slash = text.find_last_of("/\\"); slash != std::string::npos) text.erase(0, slash + 1);
+    text = trimmed(text);
+    constexpr std::size_t kLongestName = 255;
+    return text == "." || text == ".." || text.size() > kLongestName ? std::string() : text;
 }
 
 }  // namespace halvane::util

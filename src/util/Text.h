@@ -26,5 +26,11 @@ bool isHostName(std::string_view name);
 /// Escapes what may not stand in a URL: controls, space, ``"#%<>[\]^`{|}`` and all bytes above 127.
 /// An existing "%" is escaped too.
 std::string addingPercentEscapes(std::string_view text);
+/// Escapes all but what RFC 3986 leaves unreserved, "/" and "?": a name or a value in a query or a form.
+std::string percentEscapedComponent(std::string_view text);
+/// "%41" becomes "A"; what is no escape stays.
+std::string percentDecoded(std::string_view text);
+/// The last component of what may be a path, or empty where that would not name a file.
+std::string fileNameOf(std::string text);
 
 }  // namespace halvane::util

@@ -1,7 +1,7 @@
 #include "linux/http/Redirect.h"
 
-#include "linux/http/HttpUrl.h"
 #include "util/Text.h"
+#include "util/Url.h"
 
 #include <algorithm>
 #include <array>
@@ -17,8 +17,8 @@ constexpr std::array<std::string_view, 6> kFieldsForAnyOrigin = {"accept",      
 constexpr std::array<const char*, 4> kFieldsOfBody = {"Content-Type", "Content-Encoding", "Content-Language", "Content-MD5"};
 
 bool mayKeepSecrets(const std::string& from, const std::string& to) {
-    const auto old = originOf(from);
-    const auto next = originOf(to);
+    const auto old = util::originOf(from);
+    const auto next = util::originOf(to);
     if (!old || !next) return false;
     const bool upgraded = old->scheme == "http" && next->scheme == "https" && old->isDefaultPort() && next->isDefaultPort();
     return *old == *next || (upgraded && old->host == next->host);
@@ -45,7 +45,7 @@ bool isRedirect(const platform::HttpResponse& response) {
 }
 
 util::Result<void> applyRedirect(platform::HttpRequest& request, const platform::HttpResponse& response) {
-    const auto target = resolvedUrl(request.url, *response.headers.find("Location"));
+    const auto target = util::resolvedUrl(request.url, *response.headers.find("Location"));
     if (!target) return util::urlError(util::UrlError::BadUrl, "The server redirected to an address that is not http or https.");
     if (becomesGet(response.status, request.method)) {
         request.method = "GET";

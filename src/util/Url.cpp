@@ -1,4 +1,4 @@
-#include "linux/http/HttpUrl.h"
+#include "util/Url.h"
 
 #include "util/Text.h"
 
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <memory>
 
-namespace halvane::linux_http {
+namespace halvane::util {
 
 namespace {
 
@@ -30,9 +30,31 @@ std::string part(const UrlHandle& handle, CURLUPart which, unsigned int flags = 
 bool namesWebHost(std::string_view url) {
     constexpr std::string_view kHttp = "http://";
     constexpr std::string_view kHttps = "https://";
-    const std::string start = util::lowercasedAscii(url.substr(0, kHttps.size()));
+    const std::string start = lowercasedAscii(url.substr(0, kHttps.size()));
     const std::size_t host = start.starts_with(kHttps) ? kHttps.size() : start.starts_with(kHttp) ? kHttp.size() : 0;
     return host != 0 && host < url.size() && std::string_view("/?#:@").find(url[host]) == std::string_view::npos;
+}
+
+std::optional<std::string> resolved(const std::string& base, const std::string& reference, unsigned int flags) {
+    const UrlHandle handle = parsed(base);
+    if (!handle) return std::nullopt;
+    if (!reference.empty() && curl_url_set(handle.get(), CURLUPART_URL, reference.c_str(), flags) != CURLUE_OK) return std::nullopt;
+    std::string url = part(handle, CURLUPART_URL);
+    if (!isSendableUrl(url)) return std::nullopt;
+    return url;
+}
+
+/// Positions in a URL's text; empty where it has no path.
+struct PathSpan {
+    std::size_t begin;
+    std::size_t end;
+};
+
+PathSpan pathOf(std::string_view url) {
+    const auto scheme = url.find("://");
+    const std::size_t authority = scheme == std::string_view::npos ? 0 : scheme + 3;
+    const std::size_t end = std::min(url.find_first_of("?#", authority), url.size());
+    return {std::min(url.find('/', authority), end), end};
 }
 
 bool isHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
@@ -55,7 +77,7 @@ bool isSendableUrl(std::string_view url) {
 std::optional<UrlOrigin> originOf(const std::string& url) {
     const UrlHandle handle = parsed(url);
     if (!handle) return std::nullopt;
-    UrlOrigin origin{part(handle, CURLUPART_SCHEME), util::lowercasedAscii(part(handle, CURLUPART_HOST)),
+    UrlOrigin origin{part(handle, CURLUPART_SCHEME), lowercasedAscii(part(handle, CURLUPART_HOST)),
                      part(handle, CURLUPART_PORT, CURLU_DEFAULT_PORT)};
     if (origin.host.starts_with('[') && origin.host.ends_with(']')) origin.host = origin.host.substr(1, origin.host.size() - 2);
     if (origin.host.ends_with('.')) origin.host.pop_back();
@@ -64,11 +86,27 @@ std::optional<UrlOrigin> originOf(const std::string& url) {
 }
 
 std::optional<std::string> resolvedUrl(const std::string& base, const std::string& location) {
-    const UrlHandle handle = parsed(base);
-    if (!handle || curl_url_set(handle.get(), CURLUPART_URL, location.c_str(), CURLU_URLENCODE) != CURLUE_OK) return std::nullopt;
-    std::string url = part(handle, CURLUPART_URL);
-    if (!isSendableUrl(url)) return std::nullopt;
-    return url;
+    return resolved(base, location, CURLU_URLENCODE);
+}
+
+std::optional<std::string> resolvedReference(const std::string& base, const std::string& reference) {
+    if (isSendableUrl(reference)) return reference;
+    // libcurl takes these two for relative paths, and would lose the base's last component.
+    if (reference.empty() || reference.front() == '#') return resolved(base.substr(0, base.find('#')) + reference, "", 0);
+    return std::ranges::all_of(reference, mayStandInUrl) ? resolved(base, reference, 0) : std::nullopt;
+}
+
+std::string withDirectoryPath(const std::string& url) {
+    const PathSpan path = pathOf(url);
+    if (path.begin == path.end || url.ends_with('/')) return url;
+    return url[path.end - 1] == '/' ? url : url.substr(0, path.end) + "/" + url.substr(path.end);
+}
+
+std::string fileNameOfUrl(std::string_view url) {
+    const PathSpan span = pathOf(url);
+    std::string_view path = url.substr(span.begin, span.end - span.begin);
+    while (path.ends_with('/')) path.remove_suffix(1);
+    return fileNameOf(percentDecoded(path));
 }
 
 std::string hostForDisplay(const std::string& url) {
@@ -76,4 +114,4 @@ std::string hostForDisplay(const std::string& url) {
     return origin ? origin->host + ":" + origin->port : "the server";
 }
 
-}  // namespace halvane::linux_http
+}  // namespace halvane::util

@@ -4,7 +4,9 @@
 #include <string>
 #include <string_view>
 
-namespace halvane::linux_http {
+namespace halvane::util {
+
+/// Addresses of http and https. The door to libcurl's URL interface. Any thread.
 
 /// Where a URL points to; `host` in lower case, IPv6 addresses without brackets.
 struct UrlOrigin {
@@ -22,10 +24,20 @@ bool isSendableUrl(std::string_view url);
 
 std::optional<UrlOrigin> originOf(const std::string& url);
 
-/// Where `location`, as servers write it, leads from `base`. Absent unless that is http or https.
+/// Where `location`, as servers write it, leads from `base`: what may not stand in a URL is escaped. Absent unless that
+/// is http or https.
 std::optional<std::string> resolvedUrl(const std::string& base, const std::string& location);
+
+/// `reference` seen from `base`, by RFC 3986. Absent when that cannot be sent: nothing is escaped.
+std::optional<std::string> resolvedReference(const std::string& base, const std::string& reference);
+
+/// `url` with a slash at the end of its path, when it has a path and its full text does not end in a slash.
+std::string withDirectoryPath(const std::string& url);
+
+/// The last component of the path, unescaped; empty where there is none, or none that could name a file.
+std::string fileNameOfUrl(std::string_view url);
 
 /// "host:port" for descriptions, or "the server". Never user information, path or query.
 std::string hostForDisplay(const std::string& url);
 
-}  // namespace halvane::linux_http
+}  // namespace halvane::util
