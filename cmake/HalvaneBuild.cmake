@@ -13,6 +13,8 @@ if(MOLD)
   add_link_options(-fuse-ld=mold)
 endif()
 
+add_link_options(-Wl,--as-needed)  # a tool that writes one line does not load the libraries of a folder that it takes one class from
+
 add_library(halvane_warnings INTERFACE)
 target_compile_options(halvane_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough
@@ -34,7 +36,7 @@ function(halvane_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
   add_library(halvane_${name} STATIC ${ARG_SOURCES})
   target_include_directories(halvane_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
-  target_link_libraries(halvane_${name} PUBLIC ${ARG_PUBLIC} PRIVATE halvane_warnings ${ARG_PRIVATE})
+  target_link_libraries(halvane_${name} PUBLIC ${ARG_PUBLIC} PRIVATE $<BUILD_INTERFACE:halvane_warnings> ${ARG_PRIVATE})
 endfunction()
 
 # halvane_test(area SOURCES … LIBS …): one program halvane_<area>_test, each of its cases a CTest test.

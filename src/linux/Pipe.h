@@ -1,6 +1,6 @@
 #pragma once
 
-#include "linux/Descriptor.h"
+#include "linux/base/Descriptor.h"
 #include "util/Bytes.h"
 #include "util/Result.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "linux/Descriptor.h"
 #include "linux/PolkitAuthority.h"
+#include "linux/base/Descriptor.h"
 #include "platform/AuthorizationServices.h"
 #include "util/Result.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "linux/ChildWatcher.h"
-#include "linux/Descriptor.h"
 #include "linux/ToolRoot.h"
+#include "linux/base/Descriptor.h"
 #include "platform/ProcessLauncher.h"
 
 #include <filesystem>

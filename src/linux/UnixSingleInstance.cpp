@@ -1,8 +1,8 @@
 #include "linux/UnixSingleInstance.h"
 
-#include "linux/Descriptor.h"
 #include "linux/InstanceMessage.h"
 #include "linux/PosixFileStore.h"
+#include "linux/base/Descriptor.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>

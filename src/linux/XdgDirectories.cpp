@@ -1,6 +1,6 @@
 #include "linux/XdgDirectories.h"
 
-#include "linux/Descriptor.h"
+#include "linux/base/Descriptor.h"
 
 #include <fcntl.h>
 #include <pwd.h>

@@ -17,7 +17,7 @@ public:
     /// Begins to watch; a second call does nothing. Never blocks.
     virtual void startMonitoring() = 0;
     [[nodiscard]] virtual ReachabilityStatus status() const = 0;
-    /// The one handler, replaced by the next; called on the main loop, once with the present status
+    /// The one handler, replaced by the next; called on the queue that the monitor was made with, once with the present status
     /// after monitoring began and then at each change.
     virtual void setHandler(Handler handler) = 0;
 };

@@ -1,4 +1,4 @@
-#include "linux/AsioDispatchQueues.h"
+#include "linux/base/AsioDispatchQueues.h"
 #include "support/DispatchQueueContract.h"
 #include "support/Eventually.h"
 #include "support/ManualMainLoop.h"

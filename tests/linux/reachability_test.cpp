@@ -1,7 +1,7 @@
-#include "linux/Descriptor.h"
 #include "linux/FakeNetworkManager.h"
 #include "linux/LocalSocket.h"
-#include "linux/NetworkManagerReachability.h"
+#include "linux/base/Descriptor.h"
+#include "linux/base/NetworkManagerReachability.h"
 #include "support/Eventually.h"
 #include "support/ManualMainLoop.h"
 

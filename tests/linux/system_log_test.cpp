@@ -1,5 +1,5 @@
-#include "linux/Descriptor.h"
-#include "linux/SystemLog.h"
+#include "linux/base/Descriptor.h"
+#include "linux/base/SystemLog.h"
 #include "support/TemporaryDirectory.h"
 #include "util/Text.h"
 

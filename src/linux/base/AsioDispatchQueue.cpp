@@ -1,4 +1,4 @@
-#include "linux/AsioDispatchQueue.h"
+#include "linux/base/AsioDispatchQueue.h"
 
 #include <asio/post.hpp>
 #include <asio/steady_timer.hpp>

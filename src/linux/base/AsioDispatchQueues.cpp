@@ -1,4 +1,4 @@
-#include "linux/AsioDispatchQueues.h"
+#include "linux/base/AsioDispatchQueues.h"
 
 #include <asio/thread_pool.hpp>
 

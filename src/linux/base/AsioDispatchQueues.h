@@ -1,6 +1,6 @@
 #pragma once
 
-#include "linux/AsioDispatchQueue.h"
+#include "linux/base/AsioDispatchQueue.h"
 #include "platform/DispatchQueues.h"
 
 #include <mutex>

@@ -1,4 +1,4 @@
-#include "linux/NetworkManagerClient.h"
+#include "linux/base/NetworkManagerClient.h"
 
 #include "linux/device/BusCalls.h"
 

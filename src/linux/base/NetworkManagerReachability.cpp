@@ -1,7 +1,7 @@
-#include "linux/NetworkManagerReachability.h"
+#include "linux/base/NetworkManagerReachability.h"
 
-#include "linux/Descriptor.h"
-#include "linux/NetworkManagerClient.h"
+#include "linux/base/Descriptor.h"
+#include "linux/base/NetworkManagerClient.h"
 #include "linux/device/DefaultRoutes.h"
 
 #include <linux/netlink.h>
@@ -53,7 +53,7 @@ std::optional<Clock::time_point> earlier(std::optional<Clock::time_point> one, s
 
 class NetworkManagerReachability::Watch : public std::enable_shared_from_this<Watch> {
 public:
-    Watch(platform::MainLoop& mainLoop, Sources sources) : mainLoop_(mainLoop), sources_(std::move(sources)) {}
+    Watch(platform::DispatchQueue& queue, Sources sources) : queue_(queue), sources_(std::move(sources)) {}
 
     void start() {
         const std::lock_guard lock(mutex_);
@@ -116,10 +116,10 @@ private:
         if (std::exchange(status_, status) != status) tell();
     }
 
-    /// Under the lock, so that the main loop gets changes in their order.
+    /// Under the lock, so that the queue gets changes in their order.
     void tell() {
         if (!handler_) return;
-        mainLoop_.async([weak = weak_from_this(), handler = handler_, status = status_] {
+        queue_.async([weak = weak_from_this(), handler = handler_, status = status_] {
             const auto self = weak.lock();
             if (self && self->isCurrent(handler)) (*handler)(status);
         });
@@ -130,7 +130,7 @@ private:
         return handler == handler_;
     }
 
-    platform::MainLoop& mainLoop_;
+    platform::DispatchQueue& queue_;
     const Sources sources_;
     const Descriptor stop_{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
     mutable std::mutex mutex_;  // guards all below
@@ -139,8 +139,8 @@ private:
     std::shared_ptr<const Handler> handler_;
 };
 
-NetworkManagerReachability::NetworkManagerReachability(platform::MainLoop& mainLoop, Sources sources)
-    : watch_(std::make_shared<Watch>(mainLoop, std::move(sources))) {}
+NetworkManagerReachability::NetworkManagerReachability(platform::DispatchQueue& queue, Sources sources)
+    : watch_(std::make_shared<Watch>(queue, std::move(sources))) {}
 
 NetworkManagerReachability::~NetworkManagerReachability() { watch_->stop(); }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "linux/device/SystemFiles.h"
-#include "platform/MainLoop.h"
+#include "platform/DispatchQueue.h"
 #include "platform/Reachability.h"
 
 #include <memory>
@@ -13,8 +13,8 @@ namespace halvane::linux {
 /// Reachability by NetworkManager; where it is absent, or has not answered within `kPatience`, by
 /// whether the kernel has a default route. Watched on a thread of its own, which begins with
 /// `startMonitoring`. A handler that is set later than the status is known hears that status first.
-/// Destroying it, which a handler may do, ends the thread at once; a handler that waits on the main
-/// loop is not called any more. `mainLoop` outlives this object.
+/// Destroying it, which a handler may do, ends the thread at once; a handler that waits on that
+/// queue is not called any more. `queue`, a serial one, outlives this object.
 class NetworkManagerReachability final : public platform::Reachability {
 public:
     static constexpr std::chrono::milliseconds kPatience{2000};
@@ -26,8 +26,8 @@ public:
         std::chrono::milliseconds patience = kPatience;
     };
 
-    explicit NetworkManagerReachability(platform::MainLoop& mainLoop) : NetworkManagerReachability(mainLoop, Sources()) {}
-    NetworkManagerReachability(platform::MainLoop& mainLoop, Sources sources);
+    explicit NetworkManagerReachability(platform::DispatchQueue& queue) : NetworkManagerReachability(queue, Sources()) {}
+    NetworkManagerReachability(platform::DispatchQueue& queue, Sources sources);
     ~NetworkManagerReachability() override;
     NetworkManagerReachability(const NetworkManagerReachability&) = delete;
     NetworkManagerReachability& operator=(const NetworkManagerReachability&) = delete;

@@ -1,7 +1,7 @@
 // The place in the source would always be this file.
 #define SD_JOURNAL_SUPPRESS_LOCATION
 
-#include "linux/SystemLog.h"
+#include "linux/base/SystemLog.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -22,7 +22,6 @@ namespace halvane::linux {
 
 namespace {
 
-constexpr const char* kIdentifier = "halvane";
 constexpr std::string_view kCutMark = " … [cut]";
 
 /// The length of the well-formed UTF-8 character at the beginning of `text`, 0 when there is none.
@@ -116,9 +115,8 @@ void writeToStandardError(std::string_view text) {
     }
 }
 
-void writeToJournal(const std::string& text) {
-    std::array<std::string, 3> fields = {"MESSAGE=" + text, "PRIORITY=" + std::to_string(LOG_INFO),
-                                         std::string("SYSLOG_IDENTIFIER=") + kIdentifier};
+void writeToJournal(const std::string& text, const std::string& identifier) {
+    std::array<std::string, 3> fields = {"MESSAGE=" + text, "PRIORITY=" + std::to_string(LOG_INFO), "SYSLOG_IDENTIFIER=" + identifier};
     std::array<iovec, fields.size()> parts{};
     for (std::size_t i = 0; i < fields.size(); ++i) parts[i] = {fields[i].data(), fields[i].size()};
     ::sd_journal_sendv(parts.data(), static_cast<int>(parts.size()));
@@ -132,8 +130,9 @@ SystemLog::Journal SystemLog::Journal::ofThisProcess() {
     return journal;
 }
 
-SystemLog::SystemLog(const Journal& journal)
-    : hasJournal_(::access(journal.socket.c_str(), W_OK) == 0),
+SystemLog::SystemLog(const Journal& journal, std::string identifier)
+    : identifier_(std::move(identifier)),
+      hasJournal_(::access(journal.socket.c_str(), W_OK) == 0),
       // A closed descriptor 2 will be given to some file of ours, which is no place for lines.
       hasStandardError_(::fcntl(STDERR_FILENO, F_GETFD) >= 0 && !(hasJournal_ && journal.stream && standardErrorIs(*journal.stream))) {}
 
@@ -141,9 +140,9 @@ void SystemLog::write(std::string_view line) noexcept {
     try {
         const auto oneLine = printable(line, LineFeeds::Escape);
         const std::lock_guard lock(mutex_);
-        if (hasStandardError_) writeToStandardError(std::string(kIdentifier) + ": " + oneLine + "\n");
+        if (hasStandardError_) writeToStandardError(identifier_ + ": " + oneLine + "\n");
         if (hasJournal_) {
-            writeToJournal(printable(line, LineFeeds::Keep));
+            writeToJournal(printable(line, LineFeeds::Keep), identifier_);
         } else {
             ::syslog(LOG_USER | LOG_INFO, "%s", oneLine.c_str());
         }

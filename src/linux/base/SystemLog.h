@@ -25,10 +25,12 @@ public:
         static Journal ofThisProcess();
     };
 
-    explicit SystemLog(const Journal& journal = Journal::ofThisProcess());
+    /// `identifier` is the program's name at the head of each line.
+    explicit SystemLog(const Journal& journal = Journal::ofThisProcess(), std::string identifier = "halvane");
     void write(std::string_view line) noexcept override;
 
 private:
+    const std::string identifier_;
     const bool hasJournal_;
     const bool hasStandardError_;
     std::mutex mutex_;  // keeps lines whole where one write is not
