@@ -5,7 +5,6 @@
 #include "platform/HttpTls.h"
 #include "util/Result.h"
 
-#include <any>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -57,8 +56,8 @@ public:
     /// Ends it with Cancelled, whether it runs, waits or was never resumed, or has ended without its completion having
     /// begun (a download whose file stands keeps its success). Nothing after completion.
     virtual void cancel() = 0;
-    /// What the caller ties to the task. Set before `resume`, not changed after.
-    std::any context;
+    /// What the caller tied to the task when it was made; lives as long as the task.
+    [[nodiscard]] virtual const std::shared_ptr<void>& context() const = 0;
 };
 
 /// A pool of connections with a limit on tasks that run at once. Tasks are made suspended. Any thread
@@ -69,8 +68,9 @@ public:
     virtual ~HttpSession() = default;
 
     /// Sends `body` or `bodyStream` when there is one.
-    virtual std::shared_ptr<HttpTask> dataTask(HttpRequest request, HttpDataHandlers handlers) = 0;
-    virtual std::shared_ptr<HttpTask> downloadTask(HttpRequest request, HttpDownloadHandlers handlers) = 0;
+    virtual std::shared_ptr<HttpTask> dataTask(HttpRequest request, HttpDataHandlers handlers, std::shared_ptr<void> context = nullptr) = 0;
+    virtual std::shared_ptr<HttpTask> downloadTask(HttpRequest request, HttpDownloadHandlers handlers,
+                                                   std::shared_ptr<void> context = nullptr) = 0;
 
     /// Tasks that have not completed, oldest first: running, waiting and not yet resumed.
     [[nodiscard]] virtual std::vector<std::shared_ptr<HttpTask>> tasks() const = 0;
@@ -89,10 +89,15 @@ struct HttpSessionConfiguration {
     HttpTlsPolicy tls;
 };
 
-/// Makes sessions; each has its own thread and connections. Any thread.
+/// Makes sessions, each with its own thread and connections, and knows the files that bodies come from and
+/// go to. Any thread.
 class HttpTransport {
 public:
     virtual ~HttpTransport() = default;
+    /// A body out of a file, which must be there, readable and regular now; it is opened again whenever it is sent, and
+    /// then must still be as long as it was now. Errors: the file cannot be read ("halvane.file").
+    virtual util::Result<std::shared_ptr<HttpBodyStream>> fileBody(const std::filesystem::path& file) = 0;
+    [[nodiscard]] virtual bool isDirectory(const std::filesystem::path& path) const = 0;
     virtual std::shared_ptr<HttpSession> makeSession(HttpSessionConfiguration configuration) = 0;
 };
 

@@ -14,6 +14,9 @@ struct ServerTrust {
     std::string host;                ///< the name that was asked for
     std::vector<util::Bytes> chain;  ///< DER certificates as sent, the server's own first
     bool trustedBySystem = false;    ///< the chain is valid for `host` towards the system's authorities
+    /// Whether the chain is valid for `host` towards these DER certificates alone: it leads to one of them, be it an
+    /// authority or the server's own. For the time of the call that hands it over.
+    std::function<bool(const std::vector<util::Bytes>& anchors)> isValidTowards;
 };
 
 /// A client's certificate with its key.

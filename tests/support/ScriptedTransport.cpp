@@ -1,5 +1,6 @@
 #include "support/ScriptedTransport.h"
 
+#include <cerrno>
 #include <stdexcept>
 #include <utility>
 
@@ -30,10 +31,30 @@ Exchange& resumed(const std::shared_ptr<Exchange>& exchange) {
     return *exchange;
 }
 
+class MemoryBody final : public platform::HttpBodyStream {
+public:
+    explicit MemoryBody(std::string text) : text_(std::move(text)) {}
+    [[nodiscard]] std::optional<std::uint64_t> length() const override { return text_.size(); }
+    std::optional<std::size_t> read(char* buffer, std::size_t capacity) override {
+        const std::size_t count = text_.copy(buffer, capacity, position_);
+        position_ += count;
+        return count;
+    }
+    bool rewind() override {
+        position_ = 0;
+        return true;
+    }
+
+private:
+    const std::string text_;
+    std::size_t position_ = 0;
+};
+
 class ScriptedTask final : public platform::HttpTask {
 public:
     ScriptedTask(std::shared_ptr<Exchange> exchange, unsigned long identifier) : exchange_(std::move(exchange)), identifier_(identifier) {}
     unsigned long taskIdentifier() const override { return identifier_; }
+    const std::shared_ptr<void>& context() const override { return exchange_->context; }
     void resume() override { exchange_->resumed = true; }
     void cancel() override { complete(*exchange_, {.error = util::urlError(util::UrlError::Cancelled, "cancelled")}); }
     [[nodiscard]] bool completed() const { return exchange_->completed; }
@@ -50,14 +71,18 @@ public:
     ScriptedSession(ScriptedTransport& transport, std::size_t number) : transport_(transport), number_(number) {}
     ~ScriptedSession() override { invalidateCancelingTasks(); }
 
-    std::shared_ptr<platform::HttpTask> dataTask(platform::HttpRequest request, platform::HttpDataHandlers handlers) override {
+    std::shared_ptr<platform::HttpTask> dataTask(platform::HttpRequest request, platform::HttpDataHandlers handlers,
+                                                 std::shared_ptr<void> context) override {
         auto exchange = std::make_shared<Exchange>();
+        exchange->context = std::move(context);
         exchange->request = std::move(request);
         exchange->data = std::move(handlers);
         return add(std::move(exchange));
     }
-    std::shared_ptr<platform::HttpTask> downloadTask(platform::HttpRequest request, platform::HttpDownloadHandlers handlers) override {
+    std::shared_ptr<platform::HttpTask> downloadTask(platform::HttpRequest request, platform::HttpDownloadHandlers handlers,
+                                                     std::shared_ptr<void> context) override {
         auto exchange = std::make_shared<Exchange>();
+        exchange->context = std::move(context);
         exchange->request = std::move(request);
         exchange->download = std::move(handlers);
         exchange->isDownload = true;
@@ -91,6 +116,12 @@ private:
 std::shared_ptr<platform::HttpSession> ScriptedTransport::makeSession(platform::HttpSessionConfiguration configuration) {
     sessions.push_back(std::move(configuration));
     return std::make_shared<ScriptedSession>(*this, sessions.size() - 1);
+}
+
+util::Result<std::shared_ptr<platform::HttpBodyStream>> ScriptedTransport::fileBody(const std::filesystem::path& file) {
+    const auto found = files.find(file);
+    if (found == files.end()) return util::fileError(ENOENT, "read " + file.string());
+    return std::shared_ptr<platform::HttpBodyStream>(std::make_shared<MemoryBody>(found->second));
 }
 
 void ScriptedTransport::reply(std::size_t index, platform::HttpResponse response, const util::Bytes& body) {

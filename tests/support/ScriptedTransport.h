@@ -2,7 +2,9 @@
 
 #include "platform/HttpSession.h"
 
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,12 +18,15 @@ class ScriptedSession;
 class ScriptedTransport final : public platform::HttpTransport {
 public:
     std::shared_ptr<platform::HttpSession> makeSession(platform::HttpSessionConfiguration configuration) override;
+    util::Result<std::shared_ptr<platform::HttpBodyStream>> fileBody(const std::filesystem::path& file) override;
+    [[nodiscard]] bool isDirectory(const std::filesystem::path& path) const override { return directories.contains(path); }
 
     /// One task that was made, with what its maker handed over.
     struct Exchange {
         platform::HttpRequest request;
         platform::HttpDataHandlers data;
         platform::HttpDownloadHandlers download;
+        std::shared_ptr<void> context;
         bool isDownload = false;
         bool resumed = false;
         bool completed = false;
@@ -37,6 +42,8 @@ public:
 
     std::vector<std::shared_ptr<Exchange>> exchanges;
     std::vector<platform::HttpSessionConfiguration> sessions;
+    std::map<std::filesystem::path, util::Bytes> files;  ///< what request bodies may be read from
+    std::set<std::filesystem::path> directories;
     std::function<void(const std::filesystem::path&, const util::Bytes&)> writeFile;
 };
 

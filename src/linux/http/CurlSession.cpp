@@ -51,12 +51,14 @@ CurlSession::~CurlSession() {
     }
 }
 
-std::shared_ptr<platform::HttpTask> CurlSession::dataTask(platform::HttpRequest request, platform::HttpDataHandlers handlers) {
-    return board_->add(std::move(request), std::move(handlers));
+std::shared_ptr<platform::HttpTask> CurlSession::dataTask(platform::HttpRequest request, platform::HttpDataHandlers handlers,
+                                                          std::shared_ptr<void> context) {
+    return board_->add(std::move(request), std::move(handlers), std::move(context));
 }
 
-std::shared_ptr<platform::HttpTask> CurlSession::downloadTask(platform::HttpRequest request, platform::HttpDownloadHandlers handlers) {
-    return board_->add(std::move(request), std::move(handlers));
+std::shared_ptr<platform::HttpTask> CurlSession::downloadTask(platform::HttpRequest request, platform::HttpDownloadHandlers handlers,
+                                                              std::shared_ptr<void> context) {
+    return board_->add(std::move(request), std::move(handlers), std::move(context));
 }
 
 }  // namespace halvane::linux_http

@@ -16,8 +16,10 @@ public:
     CurlSession(const CurlSession&) = delete;
     CurlSession& operator=(const CurlSession&) = delete;
 
-    std::shared_ptr<platform::HttpTask> dataTask(platform::HttpRequest request, platform::HttpDataHandlers handlers) override;
-    std::shared_ptr<platform::HttpTask> downloadTask(platform::HttpRequest request, platform::HttpDownloadHandlers handlers) override;
+    std::shared_ptr<platform::HttpTask> dataTask(platform::HttpRequest request, platform::HttpDataHandlers handlers,
+                                                 std::shared_ptr<void> context) override;
+    std::shared_ptr<platform::HttpTask> downloadTask(platform::HttpRequest request, platform::HttpDownloadHandlers handlers,
+                                                     std::shared_ptr<void> context) override;
     [[nodiscard]] std::vector<std::shared_ptr<platform::HttpTask>> tasks() const override { return board_->tasks(); }
     void setMaximumConcurrentTasks(int count) override { board_->setLimit(count); }
     void invalidateCancelingTasks() override { board_->invalidate(); }

@@ -6,8 +6,13 @@
 
 namespace halvane::linux_http {
 
-CurlTask::CurlTask(unsigned long identifier, std::weak_ptr<TaskBoard> board, platform::HttpRequest request, Handlers handlers)
-    : identifier_(identifier), board_(std::move(board)), request_(std::move(request)), handlers_(std::move(handlers)) {}
+CurlTask::CurlTask(unsigned long identifier, std::weak_ptr<TaskBoard> board, platform::HttpRequest request, Handlers handlers,
+                   std::shared_ptr<void> context)
+    : identifier_(identifier),
+      board_(std::move(board)),
+      context_(std::move(context)),
+      request_(std::move(request)),
+      handlers_(std::move(handlers)) {}
 
 void CurlTask::resume() {
     if (const auto board = board_.lock()) board->resume(*this);

@@ -25,11 +25,13 @@ public:
     using Handlers = std::variant<platform::HttpDataHandlers, platform::HttpDownloadHandlers>;
     enum class Direction : std::uint8_t { Up, Down };
 
-    CurlTask(unsigned long identifier, std::weak_ptr<TaskBoard> board, platform::HttpRequest request, Handlers handlers);
+    CurlTask(unsigned long identifier, std::weak_ptr<TaskBoard> board, platform::HttpRequest request, Handlers handlers,
+             std::shared_ptr<void> context);
 
     [[nodiscard]] unsigned long taskIdentifier() const override { return identifier_; }
     void resume() override;
     void cancel() override;
+    [[nodiscard]] const std::shared_ptr<void>& context() const override { return context_; }
 
     /// Network thread, while the task runs.
     platform::HttpRequest& request() { return request_; }
@@ -53,6 +55,7 @@ private:
 
     const unsigned long identifier_;
     const std::weak_ptr<TaskBoard> board_;
+    const std::shared_ptr<void> context_;
     platform::HttpRequest request_;  ///< network thread, once it runs
     Handlers handlers_;              ///< constant until the completion takes them
 

@@ -15,6 +15,8 @@ public:
     explicit CurlTransport(std::uint64_t largestBody = kLargestBody);
 
     std::shared_ptr<platform::HttpSession> makeSession(platform::HttpSessionConfiguration configuration) override;
+    util::Result<std::shared_ptr<platform::HttpBodyStream>> fileBody(const std::filesystem::path& file) override;
+    [[nodiscard]] bool isDirectory(const std::filesystem::path& path) const override;
 
 private:
     const std::uint64_t largestBody_;

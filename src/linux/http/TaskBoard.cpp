@@ -29,9 +29,10 @@ TaskBoard::TaskBoard(std::weak_ptr<platform::DispatchQueue> queue, int limit)
 
 TaskBoard::~TaskBoard() { ::close(wakeDescriptor_); }
 
-std::shared_ptr<CurlTask> TaskBoard::add(platform::HttpRequest request, CurlTask::Handlers handlers) {
+std::shared_ptr<CurlTask> TaskBoard::add(platform::HttpRequest request, CurlTask::Handlers handlers, std::shared_ptr<void> context) {
     std::unique_lock lock(mutex_);
-    auto task = std::make_shared<CurlTask>(++lastIdentifier_, weak_from_this(), std::move(request), std::move(handlers));
+    auto task =
+        std::make_shared<CurlTask>(++lastIdentifier_, weak_from_this(), std::move(request), std::move(handlers), std::move(context));
     tasks_.emplace_hint(tasks_.end(), lastIdentifier_, task);
     if (!invalid_) return task;
     endLocked(*task, {.error = cancelledError()});

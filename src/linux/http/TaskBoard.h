@@ -27,7 +27,7 @@ public:
     TaskBoard& operator=(const TaskBoard&) = delete;
 
     // Any thread.
-    std::shared_ptr<CurlTask> add(platform::HttpRequest request, CurlTask::Handlers handlers);
+    std::shared_ptr<CurlTask> add(platform::HttpRequest request, CurlTask::Handlers handlers, std::shared_ptr<void> context);
     void resume(CurlTask& task);
     void cancel(CurlTask& task);
     [[nodiscard]] std::vector<std::shared_ptr<platform::HttpTask>> tasks() const;

@@ -35,6 +35,9 @@ struct TlsConnection {
 
 namespace {
 
+// An authority may stand anywhere in the chain: the company's own, or a server's certificate by itself.
+constexpr unsigned long kChainFlags = X509_V_FLAG_TRUSTED_FIRST | X509_V_FLAG_PARTIAL_CHAIN;
+
 bool isAddress(const std::string& host) {
     std::array<unsigned char, sizeof(in6_addr)> bytes{};
     return inet_pton(AF_INET, host.c_str(), bytes.data()) == 1 || inet_pton(AF_INET6, host.c_str(), bytes.data()) == 1;
@@ -75,6 +78,31 @@ void addAuthorities(X509_STORE* store, const std::string& pem) {
     ERR_pop_to_mark();
 }
 
+using Certificate = std::unique_ptr<X509, decltype(&X509_free)>;
+
+/// The chain judged once more with `anchors` as the only authorities, for the same host and by the same rules.
+bool isValidTowards(X509_STORE_CTX* chain, const std::vector<util::Bytes>& anchors) {
+    ERR_set_mark();
+    const std::unique_ptr<X509_STORE, decltype(&X509_STORE_free)> store(X509_STORE_new(), &X509_STORE_free);
+    const std::unique_ptr<X509_STORE_CTX, decltype(&X509_STORE_CTX_free)> again(X509_STORE_CTX_new(), &X509_STORE_CTX_free);
+    bool valid = false;
+    if (store && again) {
+        for (const util::Bytes& der : anchors) {
+            const auto* bytes = reinterpret_cast<const unsigned char*>(der.data());
+            const Certificate anchor(d2i_X509(nullptr, &bytes, static_cast<long>(der.size())), &X509_free);
+            if (anchor) X509_STORE_add_cert(store.get(), anchor.get());
+        }
+        X509_STORE_CTX_init(again.get(), store.get(), X509_STORE_CTX_get0_cert(chain), X509_STORE_CTX_get0_untrusted(chain));
+        X509_VERIFY_PARAM* rules = X509_STORE_CTX_get0_param(again.get());
+        X509_VERIFY_PARAM_set1(rules, X509_STORE_CTX_get0_param(chain));
+        X509_VERIFY_PARAM_set_flags(rules, kChainFlags);
+        valid = X509_verify_cert(again.get()) == 1;
+        X509_STORE_CTX_set_error(chain, X509_STORE_CTX_get_error(again.get()));
+    }
+    ERR_pop_to_mark();
+    return valid;
+}
+
 void freeConnection(void* /*parent*/, void* connection, CRYPTO_EX_DATA* /*data*/, int /*index*/, long /*number*/, void* /*argument*/) {
     delete static_cast<TlsConnection*>(connection);
 }
@@ -96,8 +124,9 @@ bool TlsConnection::isProxyHandshake(const SSL* ssl) const {
 bool TlsConnection::accepts(X509_STORE_CTX* chain, const SSL* ssl) const {
     // A proxy is no server of ours: the system judges it, the policy is not asked.
     if (isProxyHandshake(ssl)) return isTrusted(chain, SSL_get_servername(ssl, TLSEXT_NAMETYPE_host_name));
-    platform::ServerTrust trust{host, sentChain(chain), false};
+    platform::ServerTrust trust{host, sentChain(chain), false, {}};
     trust.trustedBySystem = isTrusted(chain, host);
+    trust.isValidTowards = [chain](const std::vector<util::Bytes>& anchors) { return isValidTowards(chain, anchors); };
     const auto& evaluate = gate->policy_.evaluateServerTrust;
     return evaluate ? evaluate(trust) : trust.trustedBySystem;
 }
@@ -142,7 +171,7 @@ X509_STORE* TlsGate::authorities() const {
     ERR_set_mark();
     X509_STORE_set_default_paths(authorities_.get());
     ERR_pop_to_mark();
-    X509_STORE_set_flags(authorities_.get(), X509_V_FLAG_TRUSTED_FIRST | X509_V_FLAG_PARTIAL_CHAIN);
+    X509_STORE_set_flags(authorities_.get(), kChainFlags);
     addAuthorities(authorities_.get(), policy_.additionalAuthorities);
     return authorities_.get();
 }

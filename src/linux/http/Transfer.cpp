@@ -1,10 +1,10 @@
 #include "linux/http/Transfer.h"
 
 #include "linux/http/CurlErrors.h"
-#include "linux/http/HttpUrl.h"
 #include "linux/http/Redirect.h"
 #include "linux/http/SocketTable.h"
 #include "linux/http/TaskBoard.h"
+#include "util/Url.h"
 
 #include <algorithm>
 #include <charconv>
@@ -32,7 +32,7 @@ Transfer::Transfer(const TransferContext& context) : context_(context), easy_(*t
 std::optional<util::Error> Transfer::begin(std::shared_ptr<CurlTask> task, Clock::time_point now) {
     task_ = std::move(task);
     const platform::HttpRequest& request = task_->request();
-    if (!isSendableUrl(request.url)) return urlError(UrlError::BadUrl, "The address is not one of http or https, or not valid.");
+    if (!util::isSendableUrl(request.url)) return urlError(UrlError::BadUrl, "The address is not one of http or https, or not valid.");
     if (!isMethod(request.method)) return urlError(UrlError::Unknown, "The request has no valid method.");
     redirects_ = 0;
     reportedUp_ = 0;
@@ -158,7 +158,7 @@ bool Transfer::onRewindBody() {
 
 bool Transfer::onTlsConnection(void* sslContext) {
     tlsReport_ = std::make_shared<TlsReport>();
-    const auto origin = originOf(task_->request().url);
+    const auto origin = util::originOf(task_->request().url);
     return origin && context_.tls.prepare(static_cast<SSL_CTX*>(sslContext), origin->host, tlsReport_);
 }
 
@@ -183,7 +183,7 @@ Transfer::Next Transfer::finish(CURLcode code) {
 
 std::optional<util::Error> Transfer::judge(CURLcode code) {
     if (refusal_) return refusal_;
-    const std::string server = hostForDisplay(task_->request().url);
+    const std::string server = util::hostForDisplay(task_->request().url);
     if (code == CURLE_OK && !head_.isComplete()) return connectionLostError(server);
     if (code == CURLE_OK || discardedEnough_) return std::nullopt;
     FailureContext failure{.server = server, .osErrno = static_cast<int>(easy_.number(CURLINFO_OS_ERRNO))};
@@ -207,7 +207,7 @@ std::optional<util::Error> Transfer::completeDownload() {
 
 void Transfer::fail(util::Error error) { outcome_.error = std::move(error); }
 
-void Transfer::timeOut() { fail(timedOutError(hostForDisplay(task_->request().url))); }
+void Transfer::timeOut() { fail(timedOutError(util::hostForDisplay(task_->request().url))); }
 
 std::pair<std::shared_ptr<CurlTask>, TaskOutcome> Transfer::end() {
     file_.discard();
