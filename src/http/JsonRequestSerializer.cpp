@@ -4,9 +4,10 @@
 
 namespace halvane::http {
 
-util::Result<void> JsonRequestSerializer::encode(const util::Dictionary& parameters, platform::HttpRequest& request) const {
-    if (request.headers.find("Content-Type") == nullptr) request.headers.set("Content-Type", "application/json");
-    request.body = util::Json::encode(parameters);
+util::Result<void> JsonRequestSerializer::encode(const std::optional<util::Dictionary>& parameters, platform::HttpRequest& request) const {
+    if (!parameters) return {};
+    setContentTypeWhereNoneIs(request, "application/json");
+    request.body = util::Json::encode(*parameters);
     return {};
 }
 

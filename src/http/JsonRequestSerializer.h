@@ -4,13 +4,13 @@
 
 namespace halvane::http {
 
-/// Parameters become a JSON body, "Content-Type" "application/json" unless one was set.
+/// Parameters become a JSON body; absent ones none.
 class JsonRequestSerializer final : public RequestSerializer {
 public:
     using RequestSerializer::RequestSerializer;
 
 protected:
-    util::Result<void> encode(const util::Dictionary& parameters, platform::HttpRequest& request) const override;
+    util::Result<void> encode(const std::optional<util::Dictionary>& parameters, platform::HttpRequest& request) const override;
 };
 
 }  // namespace halvane::http

@@ -1,14 +1,55 @@
 #include "http/RequestSerializer.h"
 
+#include "http/FormEncoding.h"
+
+#include <algorithm>
+
 namespace halvane::http {
+
+namespace {
+
+bool carriesParametersInUrl(const std::string& method) { return method == "GET" || method == "HEAD" || method == "DELETE"; }
+
+/// In front of a fragment, behind a query that is there already.
+void addQuery(std::string& url, const std::string& query) {
+    if (query.empty()) return;
+    const std::size_t fragment = std::min(url.find('#'), url.size());
+    const std::size_t question = url.find('?');
+    const bool hasQuery = question < fragment;
+    url.insert(fragment, (hasQuery ? "&" : "?") + query);
+}
+
+}  // namespace
 
 util::Result<platform::HttpRequest> RequestSerializer::request(const std::string& method, const std::string& url,
                                                                const std::optional<util::Dictionary>& parameters) const {
     platform::HttpRequest request{.method = method, .url = url, .headers = headers_, .timeout = timeout_};
-    if (parameters) {
-        if (const auto encoded = encode(*parameters, request); !encoded) return encoded.error();
+    if (carriesParametersInUrl(method)) {
+        if (parameters) addQuery(request.url, formEncoded(*parameters));
+    } else if (const auto encoded = encode(parameters, request); !encoded) {
+        return encoded.error();
     }
     return request;
+}
+
+util::Result<platform::HttpRequest> RequestSerializer::multipartFormRequest(
+    const std::string& method, const std::string& url, const std::optional<util::Dictionary>& parameters, MultipartFormData form,
+    const std::function<void(MultipartFormData&)>& constructBody) const {
+    auto made = request(method, url, std::nullopt);
+    if (!made) return made;
+    if (parameters) {
+        for (auto& [field, value] : queryPairs(*parameters)) form.appendPartWithFormData(value.value_or(""), field);
+    }
+    constructBody(form);
+    if (form.empty()) return made;
+    made->headers.set("Content-Type", form.contentType());
+    made->body.clear();
+    made->bodyStream = std::move(form).finish();
+    return made;
+}
+
+void RequestSerializer::setContentTypeWhereNoneIs(platform::HttpRequest& request, const char* type) {
+    if (request.headers.find("Content-Type") == nullptr) request.headers.set("Content-Type", type);
 }
 
 }  // namespace halvane::http

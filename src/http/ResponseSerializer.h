@@ -1,9 +1,10 @@
 #pragma once
 
+#include "http/ResponseObject.h"
 #include "platform/HttpMessage.h"
 #include "util/Result.h"
-#include "util/Value.h"
 
+#include <optional>
 #include <set>
 #include <string>
 
@@ -17,12 +18,17 @@ public:
     /// Replies with a body of another content type are refused; an empty set accepts all.
     void setAcceptableContentTypes(std::set<std::string> types) { acceptableContentTypes_ = std::move(types); }
 
-    /// Errors: BadServerResponse for a status outside 200-299, CannotDecode for a content type that is
-    /// not accepted or a body that does not decode.
-    [[nodiscard]] util::Result<util::Value> decode(const platform::HttpResponse& response, const util::Bytes& body) const;
+    /// Why the reply is not accepted, with its body: BadServerResponse for a status outside 200-299, CannotDecode for a
+    /// content type that is not accepted.
+    [[nodiscard]] std::optional<util::Error> refusalOf(const platform::HttpResponse& response, const util::Bytes& body) const;
+
+    /// The object, or absent where the body holds none. Errors: those above, and CannotDecode, with the body too, when
+    /// it does not decode.
+    [[nodiscard]] util::Result<std::optional<ResponseObject>> decode(const platform::HttpResponse& response, const util::Bytes& body) const;
 
 protected:
-    [[nodiscard]] virtual util::Result<util::Value> decodeBody(const platform::HttpResponse& response, const util::Bytes& body) const = 0;
+    [[nodiscard]] virtual util::Result<std::optional<ResponseObject>> decodeBody(const platform::HttpResponse& response,
+                                                                                 const util::Bytes& body) const = 0;
 
 private:
     std::set<std::string> acceptableContentTypes_;

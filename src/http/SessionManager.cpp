@@ -6,6 +6,16 @@
 
 namespace halvane::http {
 
+namespace {
+
+util::Result<util::Value> valueOf(util::Result<std::optional<ResponseObject>> decoded) {
+    if (!decoded) return decoded.error();
+    const util::Value* value = *decoded ? (*decoded)->value() : nullptr;
+    return value == nullptr ? util::Value() : *value;
+}
+
+}  // namespace
+
 SessionManager::SessionManager(std::shared_ptr<platform::HttpSession> session, std::shared_ptr<platform::DispatchQueue> queue,
                                std::unique_ptr<RequestSerializer> requests, std::unique_ptr<ResponseSerializer> replies)
     : session_(std::move(session)), queue_(std::move(queue)), requests_(std::move(requests)), replies_(std::move(replies)) {}
@@ -22,7 +32,7 @@ void SessionManager::send(const std::string& method, const std::string& url, con
         if (result.error) {
             completion(std::move(*result.error));
         } else {
-            completion(replies->decode(*result.response, result.body));
+            completion(valueOf(replies->decode(*result.response, result.body)));
         }
     };
     session_->dataTask(*std::move(request), std::move(handlers))->resume();

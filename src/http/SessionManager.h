@@ -11,8 +11,8 @@
 
 namespace halvane::http {
 
-/// A transport session with a serializer for each direction. One thread at a time calls it; results
-/// arrive on the session's result queue, exactly one for each call, never inside the call.
+/// A transport session with a serializer for each direction, the one for replies of a kind that makes values. One thread at a time calls
+/// it; results arrive on the session's result queue, exactly one for each call, never inside the call.
 class SessionManager {
 public:
     using Completion = std::function<void(util::Result<util::Value>)>;

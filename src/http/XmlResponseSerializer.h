@@ -1,0 +1,17 @@
+#pragma once
+
+#include "http/ResponseSerializer.h"
+
+namespace halvane::http {
+
+/// XML bodies, as a tree.
+class XmlResponseSerializer final : public ResponseSerializer {
+public:
+    XmlResponseSerializer() { setAcceptableContentTypes({"application/xml", "text/xml"}); }
+
+protected:
+    [[nodiscard]] util::Result<std::optional<ResponseObject>> decodeBody(const platform::HttpResponse& response,
+                                                                         const util::Bytes& body) const override;
+};
+
+}  // namespace halvane::http
