@@ -8,6 +8,7 @@
 #include "qt/QtApplication.h"
 #include "qt/QtDisplay.h"
 #include "qt/QtMainLoop.h"
+#include "request/XMEngine.h"
 #include "ui/widgets/AlertSheet.h"
 #include "ui/widgets/HDCLUICenter.h"
 
@@ -89,6 +90,6 @@ int main(int argc, char** argv) {
          .inform = [](const std::string& text) { ui::AlertSheet::presentWhereThePersonIs(QString::fromStdString(text)); }},
         std::make_shared<qt::QtMainLoop>());
     if (!services) return complain(services.error().description, kCannotRun);
-    (*services)->reachability().startMonitoring();
+    request::XMEngine::load((*services)->reachability());
     return runClient(application, **services, arguments, line->wish);
 }

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "request/XMTypes.h"
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+
+namespace halvane::request {
+
+/// Who hears of the end of a batch or chain. Any thread; a callback may clear it while it is told.
+class GroupReport {
+public:
+    void set(XMGroupCallbacks callbacks);
+    void clear();
+    /// Success or failure first, then finished; then nobody is told any more.
+    void tell(Outcome outcome, const XMResults& results);
+
+private:
+    std::mutex mutex_;  // guards callbacks_, never held while one runs
+    std::shared_ptr<const XMGroupCallbacks> callbacks_;
+};
+
+}  // namespace halvane::request

@@ -1,0 +1,40 @@
+#include "request/ResponseSerializers.h"
+
+#include "http/JsonResponseSerializer.h"
+#include "http/PropertyListResponseSerializer.h"
+#include "http/RawResponseSerializer.h"
+#include "http/XmlResponseSerializer.h"
+
+namespace halvane::request {
+
+ResponseSerializers::ResponseSerializers()
+    : serializers_{std::make_unique<http::RawResponseSerializer>(),
+                   std::make_unique<http::JsonResponseSerializer>(http::JsonReading::AllowFragments, http::EmptyBody::Absent),
+                   std::make_unique<http::PropertyListResponseSerializer>(), std::make_unique<http::XmlResponseSerializer>()} {}
+
+const http::ResponseSerializer* ResponseSerializers::xm_getResponseSerializer(XMResponseSerializerType type) const {
+    const auto index = static_cast<std::uint64_t>(type);
+    return index < serializers_.size() ? serializers_[index].get() : nullptr;
+}
+
+std::pair<Response, Failure> ResponseSerializers::xm_processResponse(platform::HttpDataResult result, XMResponseSerializerType type) const {
+    const bool brokeOff = result.error.has_value();
+    Failure transportError = std::move(result.error);
+    if (!brokeOff) transportError = serializers_[XMResponseSerializerRAW]->refusalOf(*result.response, result.body);
+    if (type == XMResponseSerializerRAW) {
+        Response bytes;
+        if (result.response) bytes = util::Value(util::Value::Data{std::move(result.body)});
+        return {std::move(bytes), std::move(transportError)};
+    }
+    const http::ResponseSerializer* serializer = xm_getResponseSerializer(type);
+    if (serializer == nullptr) return {std::nullopt, std::move(transportError)};
+    if (brokeOff) {
+        Failure refusal = result.response ? serializer->refusalOf(*result.response, {}) : std::nullopt;
+        return {std::nullopt, refusal ? std::move(refusal) : std::move(transportError)};
+    }
+    auto decoded = serializer->decode(*result.response, result.body);
+    if (!decoded) return {std::nullopt, decoded.error()};
+    return {*std::move(decoded), std::move(transportError)};
+}
+
+}  // namespace halvane::request
