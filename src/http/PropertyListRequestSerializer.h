@@ -4,8 +4,8 @@
 
 namespace halvane::http {
 
-/// Parameters become an XML property list; absent ones no body. Errors: a null among them, which a property list has no
-/// form for.
+/// Parameters become an XML property list; absent ones no body. Errors: what a property list has no form
+/// for stands among them: null, dates before 1933 or after 2069, text with control characters.
 class PropertyListRequestSerializer final : public RequestSerializer {
 public:
     using RequestSerializer::RequestSerializer;

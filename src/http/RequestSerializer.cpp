@@ -1,14 +1,25 @@
 #include "http/RequestSerializer.h"
 
 #include "http/FormEncoding.h"
+#include "util/Json.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace halvane::http {
 
 namespace {
 
 bool carriesParametersInUrl(const std::string& method) { return method == "GET" || method == "HEAD" || method == "DELETE"; }
+
+/// What no encoding has a form for.
+bool holdsUnwritable(const util::Value& value) {
+    if (const auto* list = value.list()) return std::ranges::any_of(*list, holdsUnwritable);
+    if (const auto* real = value.real()) return !std::isfinite(*real);
+    if (value.date() != nullptr) return util::Json::encode(value) == "null";
+    const auto* members = value.dictionary();
+    return members != nullptr && std::ranges::any_of(*members, [](const auto& member) { return holdsUnwritable(member.value); });
+}
 
 /// In front of a fragment, behind a query that is there already.
 void addQuery(std::string& url, const std::string& query) {
@@ -23,6 +34,8 @@ void addQuery(std::string& url, const std::string& query) {
 
 util::Result<platform::HttpRequest> RequestSerializer::request(const std::string& method, const std::string& url,
                                                                const std::optional<util::Dictionary>& parameters) const {
+    if (parameters && holdsUnwritable(*parameters))
+        return util::dataError("a parameter is a number that is not finite, or a date beyond the calendar");
     platform::HttpRequest request{.method = method, .url = url, .headers = headers_, .timeout = timeout_};
     if (carriesParametersInUrl(method)) {
         if (parameters) addQuery(request.url, formEncoded(*parameters));

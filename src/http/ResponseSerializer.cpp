@@ -2,34 +2,39 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 namespace halvane::http {
 
 namespace {
 
-util::Error refused(util::UrlError code, std::string description, const util::Bytes& body) {
+util::Error refused(util::UrlError code, std::string description, util::Bytes body) {
     util::Error error = util::urlError(code, std::move(description));
-    error.body = body;
+    error.body = std::move(body);
     return error;
 }
 
 }  // namespace
 
-std::optional<util::Error> ResponseSerializer::refusalOf(const platform::HttpResponse& response, const util::Bytes& body) const {
-    using util::UrlError;
-    if (!response.isSuccess()) {
-        return refused(UrlError::BadServerResponse, fmt::format("the server answered with status {}", response.status), body);
-    }
-    if (body.empty() || acceptableContentTypes_.empty()) return std::nullopt;
-    const std::string type = response.mimeType();
-    if (acceptableContentTypes_.contains(type)) return std::nullopt;
-    return refused(UrlError::CannotDecode, fmt::format("the server answered with content of type \"{}\"", type), body);
+bool ResponseSerializer::accepts(const platform::HttpResponse& response, const util::Bytes& body) const {
+    if (!response.isSuccess()) return false;
+    return body.empty() || acceptableContentTypes_.empty() || acceptableContentTypes_.contains(response.mimeType());
 }
 
-util::Result<std::optional<ResponseObject>> ResponseSerializer::decode(const platform::HttpResponse& response,
-                                                                       const util::Bytes& body) const {
-    if (auto refusal = refusalOf(response, body)) return *std::move(refusal);
+std::optional<util::Error> ResponseSerializer::refusalOf(const platform::HttpResponse& response, util::Bytes body) const {
+    using util::UrlError;
+    if (!response.isSuccess()) {
+        return refused(UrlError::BadServerResponse, fmt::format("the server answered with status {}", response.status), std::move(body));
+    }
+    if (accepts(response, body)) return std::nullopt;
+    const std::string type = response.mimeType();
+    return refused(UrlError::CannotDecode, fmt::format("the server answered with content of type \"{}\"", type), std::move(body));
+}
+
+util::Result<std::optional<ResponseObject>> ResponseSerializer::decode(const platform::HttpResponse& response, util::Bytes body) const {
+    if (!accepts(response, body)) return *refusalOf(response, std::move(body));
     auto decoded = decodeBody(response, body);
-    if (!decoded) return refused(util::UrlError::CannotDecode, decoded.error().description, body);
+    if (!decoded) return refused(util::UrlError::CannotDecode, decoded.error().description, std::move(body));
     return decoded;
 }
 

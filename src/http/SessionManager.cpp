@@ -32,7 +32,7 @@ void SessionManager::send(const std::string& method, const std::string& url, con
         if (result.error) {
             completion(std::move(*result.error));
         } else {
-            completion(valueOf(replies->decode(*result.response, result.body)));
+            completion(valueOf(replies->decode(*result.response, std::move(result.body))));
         }
     };
     session_->dataTask(*std::move(request), std::move(handlers))->resume();

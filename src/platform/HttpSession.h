@@ -75,6 +75,9 @@ public:
     /// Tasks that have not completed, oldest first: running, waiting and not yet resumed.
     [[nodiscard]] virtual std::vector<std::shared_ptr<HttpTask>> tasks() const = 0;
 
+    /// The one of them with that number, or null.
+    [[nodiscard]] virtual std::shared_ptr<HttpTask> task(unsigned long taskIdentifier) const = 0;
+
     /// At least 1. Lowering it lets running tasks end.
     virtual void setMaximumConcurrentTasks(int count) = 0;
 
@@ -95,7 +98,7 @@ class HttpTransport {
 public:
     virtual ~HttpTransport() = default;
     /// A body out of a file, which must be there, readable and regular now; it is opened again whenever it is sent, and
-    /// then must still be as long as it was now. Errors: the file cannot be read ("halvane.file").
+    /// then must be at least as long as it was now; what was added is not sent. Errors: the file cannot be read ("halvane.file").
     virtual util::Result<std::shared_ptr<HttpBodyStream>> fileBody(const std::filesystem::path& file) = 0;
     [[nodiscard]] virtual bool isDirectory(const std::filesystem::path& path) const = 0;
     virtual std::shared_ptr<HttpSession> makeSession(HttpSessionConfiguration configuration) = 0;

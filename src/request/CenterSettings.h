@@ -26,9 +26,10 @@ struct CenterSettings {
     std::shared_ptr<XMEngine> engine;
     util::Dictionary generalParameters;
     platform::HttpHeaders generalHeaders;
-    XMResponseProcessBlock responseProcessHandler;
-    XMRequestProcessBlock requestProcessHandler;
-    XMErrorProcessBlock errorProcessHandler;
+    // Null where there is none. Shared, not copied: a hook may have a state of its own.
+    std::shared_ptr<const XMResponseProcessBlock> responseProcessHandler;
+    std::shared_ptr<const XMRequestProcessBlock> requestProcessHandler;
+    std::shared_ptr<const XMErrorProcessBlock> errorProcessHandler;
 
     /// Entries of dictionaries are added, other values replaced; what is absent or empty changes nothing.
     void take(const XMConfig& config);

@@ -22,9 +22,10 @@ std::string printedParameters(const std::optional<util::Dictionary>& parameters)
     return parameters ? printedValue(*parameters) : util::printed(std::nullopt);
 }
 
-/// Without user name and password; values of secret fields of the query covered.
-std::string printedUrl(const std::optional<std::string>& url) {
+/// Without user name, password and fragment; values of secret fields of the query covered.
+std::string printedUrl(std::optional<std::string> url) {
     if (!url) return util::printed(url);
+    url->resize(std::min(url->find('#'), url->size()));
     const auto question = std::min(url->find('?'), url->size());
     std::string result = url->substr(0, question);
     const auto authority = result.find("://");
@@ -64,7 +65,7 @@ std::string printedResponse(const Response& response) {
     if (const auto* file = response->file()) return file->string();
     if (const auto* root = response->xml()) return printedValue(asValue(*root));
     if (const auto* bytes = response->bytes()) return printedBytes(*bytes);
-    return printedValue(*response->value());
+    return response->value() == nullptr ? util::printed(std::nullopt) : printedValue(*response->value());
 }
 
 std::string printedFailure(const Failure& failure) {

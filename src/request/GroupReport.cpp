@@ -16,16 +16,16 @@ void GroupReport::clear() {
     gone.swap(callbacks_);
 }
 
+std::shared_ptr<const XMGroupCallbacks> GroupReport::current() const {
+    const std::lock_guard lock(mutex_);
+    return callbacks_;
+}
+
 void GroupReport::tell(Outcome outcome, const XMResults& results) {
-    std::shared_ptr<const XMGroupCallbacks> callbacks;
-    {
-        const std::lock_guard lock(mutex_);
-        callbacks = callbacks_;
-    }
-    if (callbacks) {
+    if (const auto callbacks = current()) {
         const bool succeeded = outcome == Outcome::Succeeded;
         if (const auto& told = succeeded ? callbacks->onSuccess : callbacks->onFailure) told(results);
-        if (callbacks->onFinished) {
+        if (callbacks->onFinished && current() == callbacks) {
             const std::optional<XMResults> given(results);
             callbacks->onFinished(succeeded ? given : std::nullopt, succeeded ? std::nullopt : given);
         }

@@ -13,11 +13,13 @@ class GroupReport {
 public:
     void set(XMGroupCallbacks callbacks);
     void clear();
-    /// Success or failure first, then finished; then nobody is told any more.
+    /// Success or failure first, then finished unless that has cleared it; then nobody is told any more.
     void tell(Outcome outcome, const XMResults& results);
 
 private:
-    std::mutex mutex_;  // guards callbacks_, never held while one runs
+    [[nodiscard]] std::shared_ptr<const XMGroupCallbacks> current() const;
+
+    mutable std::mutex mutex_;  // guards callbacks_, never held while one runs
     std::shared_ptr<const XMGroupCallbacks> callbacks_;
 };
 

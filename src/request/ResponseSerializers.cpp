@@ -20,21 +20,22 @@ const http::ResponseSerializer* ResponseSerializers::xm_getResponseSerializer(XM
 std::pair<Response, Failure> ResponseSerializers::xm_processResponse(platform::HttpDataResult result, XMResponseSerializerType type) const {
     const bool brokeOff = result.error.has_value();
     Failure transportError = std::move(result.error);
-    if (!brokeOff) transportError = serializers_[XMResponseSerializerRAW]->refusalOf(*result.response, result.body);
+    const http::ResponseSerializer* serializer = type == XMResponseSerializerRAW ? nullptr : xm_getResponseSerializer(type);
+    if (!brokeOff && serializer == nullptr)
+        transportError = serializers_[XMResponseSerializerRAW]->refusalOf(*result.response, result.body);
     if (type == XMResponseSerializerRAW) {
         Response bytes;
         if (result.response) bytes = util::Value(util::Value::Data{std::move(result.body)});
         return {std::move(bytes), std::move(transportError)};
     }
-    const http::ResponseSerializer* serializer = xm_getResponseSerializer(type);
     if (serializer == nullptr) return {std::nullopt, std::move(transportError)};
     if (brokeOff) {
         Failure refusal = result.response ? serializer->refusalOf(*result.response, {}) : std::nullopt;
         return {std::nullopt, refusal ? std::move(refusal) : std::move(transportError)};
     }
-    auto decoded = serializer->decode(*result.response, result.body);
-    if (!decoded) return {std::nullopt, decoded.error()};
-    return {*std::move(decoded), std::move(transportError)};
+    auto decoded = serializer->decode(*result.response, std::move(result.body));
+    if (!decoded) return {std::nullopt, std::move(decoded).error()};
+    return {*std::move(decoded), std::nullopt};
 }
 
 }  // namespace halvane::request

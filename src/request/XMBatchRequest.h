@@ -12,6 +12,8 @@
 
 namespace halvane::request {
 
+class XMEngine;
+
 /// Requests that are sent all at once and reported on once, when every one of them has ended. A failed one stops no other;
 /// one failure makes the whole a failure, which still gets the others' responses.
 ///
@@ -23,12 +25,13 @@ public:
     /// "BC" and a number; set by the center. Any thread, once the batch was sent.
     [[nodiscard]] const std::optional<std::string>& identifier() const { return identifier_; }
 
-    std::vector<std::shared_ptr<XMRequest>> requestArray;  ///< in the order in which results are reported
+    std::vector<std::shared_ptr<XMRequest>>
+        requestArray;  ///< in the order in which results are reported; one that stands there twice counts once
 
     /// One place per member. To be read after the report, or in it.
     [[nodiscard]] const XMResults& responseArray() const { return responseArray_; }
 
-    /// A member has ended; its result counts once. True when the batch has ended by it; then the report has been made.
+    /// A member has ended, which is told once for each. True when the batch has ended by it; then the report has been made.
     bool onFinishedOneRequest(const XMRequest& request, const Response& response, const Failure& failure);
 
     void cleanCallbackBlocks() { report_.clear(); }
@@ -37,6 +40,7 @@ private:
     friend class XMCenter;
 
     std::optional<std::string> identifier_;  // set before the first member is sent
+    std::shared_ptr<XMEngine> engine_;       // where its members run; set with the identifier
     std::atomic<bool> cancelled_{false};     // no further member is sent
     std::mutex lock_;                        // guards what follows, the report included
     XMResults responseArray_;

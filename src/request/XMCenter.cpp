@@ -2,6 +2,7 @@
 
 #include "request/XMEngine.h"
 
+#include <set>
 #include <utility>
 
 namespace halvane::request {
@@ -12,6 +13,11 @@ constexpr std::chrono::seconds kRetryDelay{2};
 
 util::Error cancelledBeforeSending() {
     return util::urlError(util::UrlError::Cancelled, "The batch or chain was cancelled before this request was sent.");
+}
+
+template <typename Block>
+std::shared_ptr<const Block> shared(Block block) {
+    return block ? std::make_shared<const Block>(std::move(block)) : nullptr;
 }
 
 bool isGroup(const std::string& identifier) { return identifier.starts_with("BC"); }
@@ -53,6 +59,7 @@ void XMCenter::change(Change change) {
 }
 
 void XMCenter::setupConfig(const ConfigBlock& configure) {
+    const auto self = shared_from_this();
     XMConfig config;
     if (configure) configure(config);
     change([&config](CenterSettings& settings) { settings.take(config); });
@@ -71,47 +78,47 @@ void XMCenter::setGeneralParameterValue(std::optional<util::Value> value, const 
 }
 
 void XMCenter::setRequestProcessBlock(XMRequestProcessBlock block) {
-    change([&block](CenterSettings& settings) { settings.requestProcessHandler = std::move(block); });
+    change([&block](CenterSettings& settings) { settings.requestProcessHandler = shared(std::move(block)); });
 }
 
 void XMCenter::setResponseProcessBlock(XMResponseProcessBlock block) {
-    change([&block](CenterSettings& settings) { settings.responseProcessHandler = std::move(block); });
+    change([&block](CenterSettings& settings) { settings.responseProcessHandler = shared(std::move(block)); });
 }
 
 void XMCenter::setErrorProcessBlock(XMErrorProcessBlock block) {
-    change([&block](CenterSettings& settings) { settings.errorProcessHandler = std::move(block); });
+    change([&block](CenterSettings& settings) { settings.errorProcessHandler = shared(std::move(block)); });
 }
 
 // One request.
 
 std::optional<std::string> XMCenter::sendRequest(const RequestBlock& configure, XMCallbacks callbacks) {
-    auto request = XMRequest::request();
+    const auto self = shared_from_this();  // which a callback on the way may be the last but us to hold
+    const auto request = XMRequest::request();
     if (configure) configure(*request);
     prepare(*request, std::move(callbacks));
-    xm_sendRequest(request);
+    xm_sendRequest(XMRequest::running(request));
     return request->identifier();
 }
 
 void XMCenter::prepare(XMRequest& request, XMCallbacks callbacks) const {
     if (request.requestType == XMRequestNormal) callbacks.onProgress = nullptr;
+    if (callbacks.onProgress) {
+        callbacks.onProgress = [weak = weak_from_this(), told = std::move(callbacks.onProgress)](const platform::HttpProgress& progress) {
+            if (const auto center = weak.lock()) told(progress);
+        };
+    }
     request.installCallbacks(std::move(callbacks));
     const auto settings = this->settings();
     settings->fillIn(request);
-    if (settings->requestProcessHandler) settings->requestProcessHandler(request);
+    if (settings->requestProcessHandler) (*settings->requestProcessHandler)(request);
 }
 
 void XMCenter::xm_sendRequest(const std::shared_ptr<XMRequest>& request) {
     const auto settings = this->settings();
     if (settings->consoleLog) log_.request(*request);
-    const bool completes = static_cast<std::uint64_t>(request->requestType) <= XMRequestDownload;
     settings->engine->sendRequest(request, [weak = weak_from_this(), request](Response response, Failure failure) {
-        if (const auto center = weak.lock()) {
-            center->ended(request, std::move(response), std::move(failure));
-        } else {
-            request->cleanCallbackBlocks();
-        }
+        if (const auto center = weak.lock()) center->ended(request, std::move(response), std::move(failure));
     });
-    if (!completes) request->cleanCallbackBlocks();  // nobody will, and they may hold the request
 }
 
 void XMCenter::ended(const std::shared_ptr<XMRequest>& request, Response response, Failure failure) {
@@ -122,7 +129,7 @@ void XMCenter::succeeded(const std::shared_ptr<XMRequest>& request, Response res
     const auto settings = this->settings();
     if (settings->responseProcessHandler) {
         Failure failure;
-        Response replacement = settings->responseProcessHandler(*request, response, failure);
+        Response replacement = (*settings->responseProcessHandler)(*request, response, failure);
         if (replacement) response = std::move(replacement);
         if (failure) return failed(request, std::move(failure));
     }
@@ -133,15 +140,11 @@ void XMCenter::succeeded(const std::shared_ptr<XMRequest>& request, Response res
 void XMCenter::failed(const std::shared_ptr<XMRequest>& request, Failure failure) {
     const auto settings = this->settings();
     if (settings->consoleLog) log_.failure(*request, failure);
-    if (settings->errorProcessHandler) settings->errorProcessHandler(*request, failure);
+    if (settings->errorProcessHandler) (*settings->errorProcessHandler)(*request, failure);
     if (request->retryCount == 0) return deliver(request, Outcome::Failed, std::nullopt, std::move(failure));
     --request->retryCount;
     environment_.backgroundQueue->after(kRetryDelay, [weak = weak_from_this(), request] {
-        if (const auto center = weak.lock()) {
-            center->xm_sendRequest(request);
-        } else {
-            request->cleanCallbackBlocks();
-        }
+        if (const auto center = weak.lock()) center->xm_sendRequest(request);
     });
 }
 
@@ -149,8 +152,7 @@ void XMCenter::deliver(const std::shared_ptr<XMRequest>& request, Outcome outcom
     const auto queue = settings()->callbackQueue;
     if (!queue) return request->deliver(outcome, response, failure);
     queue->async([weak = weak_from_this(), request, outcome, response = std::move(response), failure = std::move(failure)] {
-        const auto center = weak.lock();
-        center ? request->deliver(outcome, response, failure) : request->cleanCallbackBlocks();
+        if (const auto center = weak.lock()) request->deliver(outcome, response, failure);
     });
 }
 
@@ -164,8 +166,10 @@ std::shared_ptr<platform::DispatchQueue> XMCenter::resultQueue() const {
 
 template <typename Group>
 void XMCenter::enter(const std::shared_ptr<Group>& group) {
+    auto engine = settings()->engine;
     const std::lock_guard lock(lock_);
     group->identifier_ = "BC" + std::to_string(++autoIncrement_);
+    group->engine_ = std::move(engine);
     runningBatchAndChainPool_.emplace(*group->identifier_, group);
 }
 
@@ -176,9 +180,11 @@ void XMCenter::leave(const std::optional<std::string>& identifier) {
 }
 
 std::optional<std::string> XMCenter::sendBatchRequest(const BatchBlock& configure, XMGroupCallbacks callbacks) {
+    const auto self = shared_from_this();
     const auto batch = std::make_shared<XMBatchRequest>();
     if (configure) configure(*batch);
-    std::erase(batch->requestArray, nullptr);
+    std::set<std::shared_ptr<XMRequest>> known{nullptr};
+    std::erase_if(batch->requestArray, [&known](const auto& member) { return !known.insert(member).second; });
     if (batch->requestArray.empty()) return std::nullopt;
     batch->report_.set(std::move(callbacks));
     batch->responseArray_.assign(batch->requestArray.size(), XMResult());
@@ -189,16 +195,24 @@ std::optional<std::string> XMCenter::sendBatchRequest(const BatchBlock& configur
 
 void XMCenter::sendMember(const std::shared_ptr<XMBatchRequest>& batch, const std::shared_ptr<XMRequest>& member) {
     const auto finished = [weak = weak_from_this(), batch, member = member.get()](const Response& response, const Failure& failure) {
-        if (!batch->onFinishedOneRequest(*member, response, failure)) return;
-        if (const auto center = weak.lock()) center->leave(batch->identifier_);
+        const auto center = weak.lock();
+        if (center && batch->onFinishedOneRequest(*member, response, failure)) center->leave(batch->identifier_);
     };
-    if (batch->cancelled_) return resultQueue()->async([finished] { finished(std::nullopt, cancelledBeforeSending()); });
-    prepare(*member, {.onFinished = finished});
-    xm_sendRequest(member);
-    if (batch->cancelled_) cancelInEngine(*member);
+    sendOf(*batch, member, finished);
+}
+
+template <typename Group>
+void XMCenter::sendOf(const Group& group, const std::shared_ptr<XMRequest>& request, const XMFinishedBlock& finished) {
+    if (!group.cancelled_) prepare(*request, {.onFinished = finished});
+    const auto running = XMRequest::running(request);
+    // Cancelled by now, perhaps by the hook: it ends without a task, so that no byte of it goes out.
+    if (group.cancelled_) return resultQueue()->async([finished, running] { finished(std::nullopt, cancelledBeforeSending()); });
+    xm_sendRequest(running);
+    if (group.cancelled_) cancelInEngine(*group.engine_, *request);
 }
 
 std::optional<std::string> XMCenter::sendChainRequest(const ChainBlock& configure, XMGroupCallbacks callbacks) {
+    const auto self = shared_from_this();
     const auto chain = std::make_shared<XMChainRequest>();
     if (configure) configure(*chain);
     if (!chain->runningRequest()) return std::nullopt;
@@ -210,14 +224,11 @@ std::optional<std::string> XMCenter::sendChainRequest(const ChainBlock& configur
 
 void XMCenter::sendStep(const std::shared_ptr<XMChainRequest>& chain) {
     const auto step = chain->runningRequest();
-    if (!step) return;
+    if (!step) return leave(chain->identifier_);  // cleared by its own step
     const auto finished = [weak = weak_from_this(), chain, step = step.get()](const Response& response, const Failure& failure) {
         if (const auto center = weak.lock()) center->stepEnded(chain, *step, response, failure);
     };
-    if (chain->cancelled_) return resultQueue()->async([finished] { finished(std::nullopt, cancelledBeforeSending()); });
-    prepare(*step, {.onFinished = finished});
-    xm_sendRequest(step);
-    if (chain->cancelled_) cancelInEngine(*step);
+    sendOf(*chain, step, finished);
 }
 
 void XMCenter::stepEnded(const std::shared_ptr<XMChainRequest>& chain, const XMRequest& step, const Response& response,
@@ -227,9 +238,8 @@ void XMCenter::stepEnded(const std::shared_ptr<XMChainRequest>& chain, const XMR
 
 // Control and queries.
 
-void XMCenter::cancelInEngine(const XMRequest& request) const {
-    const auto identifier = request.identifier();
-    if (identifier) settings()->engine->cancelRequestByIdentifier(*identifier);
+void XMCenter::cancelInEngine(XMEngine& engine, const XMRequest& request) {
+    if (const auto identifier = request.identifier()) engine.cancelRequestByIdentifier(*identifier);
 }
 
 void XMCenter::cancelRequest(const std::optional<std::string>& identifier, const CancelBlock& onCancel) {
@@ -241,10 +251,10 @@ void XMCenter::cancelRequest(const std::optional<std::string>& identifier, const
         }
         if (const auto* batch = std::get_if<std::shared_ptr<XMBatchRequest>>(&cancelled)) {
             (*batch)->cancelled_ = true;
-            for (const auto& member : (*batch)->requestArray) cancelInEngine(*member);
+            for (const auto& member : (*batch)->requestArray) cancelInEngine(*(*batch)->engine_, *member);
         } else if (const auto* chain = std::get_if<std::shared_ptr<XMChainRequest>>(&cancelled)) {
             (*chain)->cancelled_ = true;
-            if (const auto running = (*chain)->runningRequest()) cancelInEngine(*running);
+            if (const auto running = (*chain)->runningRequest()) cancelInEngine(*(*chain)->engine_, *running);
         }
     } else if (identifier) {
         if (auto request = settings()->engine->cancelRequestByIdentifier(*identifier)) cancelled = std::move(request);

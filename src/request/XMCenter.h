@@ -20,17 +20,18 @@ class XMEngine;
 
 /// The entry point of the request layer: requests go in by a callback that fills them, results come out by callbacks.
 ///
-/// **Thread.** Any. Configuration callbacks, the request hook and `onCancel` run inside the call, on the caller's thread.
-/// Everything else (the other hooks, success, failure, finished) runs on the engine's completion queue, several requests
-/// at once, or, where a `callbackQueue` is set, success, failure and finished on that. Progress is told on the completion
-/// queue. No lock is held while a callback runs, except a batch's own during its report.
+/// **Thread.** Any. Configuration callbacks, `onCancel` and the request hook run inside the call, on the caller's thread;
+/// the steps of a chain behind its first, and the hook for them, where the step before has ended. The other hooks and
+/// progress run on the engine's completion queue, several requests at once; success, failure and finished too, or, where
+/// there is one, on the `callbackQueue`. No lock is held while a callback runs, except a batch's own during its report.
 ///
 /// **Order.** Progress, then either success or failure, then finished; then the request lets go of its callbacks. A failed
 /// request with retries left is sent again 2 seconds later and tells nobody of that failure. That counts for cancelled ones
 /// too.
 ///
 /// **Lifetime.** A running request is kept by its task, batches and chains by the center. The center does not wait for them:
-/// after it is destroyed, which any callback may do, what still runs goes on to its end and nobody is told.
+/// after it is destroyed, which any callback may do, nobody is told of what still runs. That goes on to its end, if
+/// others hold the engine; with the engine's last owner it is cancelled.
 class XMCenter : public std::enable_shared_from_this<XMCenter> {
     struct Key {};
 
@@ -77,8 +78,9 @@ public:
     /// Absent, and never a callback, for a chain without `onFirst`.
     std::optional<std::string> sendChainRequest(const ChainBlock& configure, XMGroupCallbacks callbacks = {});
 
-    /// Tells `onCancel` what was cancelled before it returns; the callbacks of that come later, with the error Cancelled. A
-    /// cancelled batch or chain sends no further request.
+    /// Tells `onCancel` what was cancelled before it returns. The end comes by the callbacks of that, as Cancelled, perhaps
+    /// before `onCancel` on another thread; what has retries left, though, is sent again. A batch or chain sends no request
+    /// any more that it has not sent yet: such a one ends as Cancelled, which neither log nor hooks see.
     void cancelRequest(const std::optional<std::string>& identifier, const CancelBlock& onCancel = {});
     [[nodiscard]] Running getRequest(const std::optional<std::string>& identifier) const;
 
@@ -100,7 +102,10 @@ private:
     void sendMember(const std::shared_ptr<XMBatchRequest>& batch, const std::shared_ptr<XMRequest>& member);
     void sendStep(const std::shared_ptr<XMChainRequest>& chain);
     void stepEnded(const std::shared_ptr<XMChainRequest>& chain, const XMRequest& step, const Response& response, const Failure& failure);
-    void cancelInEngine(const XMRequest& request) const;
+    /// Sends one of a batch or chain, unless that is cancelled.
+    template <typename Group>
+    void sendOf(const Group& group, const std::shared_ptr<XMRequest>& request, const XMFinishedBlock& finished);
+    static void cancelInEngine(XMEngine& engine, const XMRequest& request);
     /// Where results are told.
     [[nodiscard]] std::shared_ptr<platform::DispatchQueue> resultQueue() const;
 

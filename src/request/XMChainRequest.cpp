@@ -13,8 +13,9 @@ XMChainRequest& XMChainRequest::onFirst(const std::function<void(XMRequest&)>& f
 }
 
 XMChainRequest& XMChainRequest::onNext(NextBlock nextBlock) {
-    nextBlockArray_.push_back(std::move(nextBlock));
     responseArray_.emplace_back();
+    const std::lock_guard lock(mutex_);
+    nextBlockArray_.push_back(std::move(nextBlock));
     return *this;
 }
 
@@ -28,6 +29,11 @@ void XMChainRequest::setRunningRequest(std::shared_ptr<XMRequest> request) {
     runningRequest_.swap(request);
 }
 
+std::optional<XMChainRequest::NextBlock> XMChainRequest::nextBlockAfter(std::size_t step) const {
+    const std::lock_guard lock(mutex_);
+    return step < nextBlockArray_.size() ? std::optional(nextBlockArray_[step]) : std::nullopt;
+}
+
 bool XMChainRequest::onFinishedOneRequest(const XMRequest& /*request*/, const Response& response, const Failure& failure) {
     if (chainIndex_ >= responseArray_.size()) return true;
     XMResult& place = responseArray_[chainIndex_];
@@ -37,12 +43,12 @@ bool XMChainRequest::onFinishedOneRequest(const XMRequest& /*request*/, const Re
         return end(Outcome::Failed);
     }
     place = *response;
-    if (step >= nextBlockArray_.size()) return end(Outcome::Succeeded);
+    const auto fill = nextBlockAfter(step);  // a copy: it may clear the chain
+    if (!fill) return end(Outcome::Succeeded);
     auto next = XMRequest::request();
     bool send = true;
     setRunningRequest(next);
-    const NextBlock fill = nextBlockArray_[step];  // which may clear the chain
-    if (fill) fill(*next, response, send);
+    if (*fill) (*fill)(*next, response, send);
     return send ? false : end(Outcome::Failed);
 }
 
@@ -53,9 +59,12 @@ bool XMChainRequest::end(Outcome outcome) {
 }
 
 void XMChainRequest::cleanCallbackBlocks() {
-    setRunningRequest(nullptr);
     report_.clear();
-    nextBlockArray_.clear();
+    std::shared_ptr<XMRequest> running;  // outlive the lock: what they hold may come back to this chain
+    std::vector<NextBlock> steps;
+    const std::lock_guard lock(mutex_);
+    running.swap(runningRequest_);
+    steps.swap(nextBlockArray_);
 }
 
 }  // namespace halvane::request

@@ -13,6 +13,8 @@
 
 namespace halvane::request {
 
+class XMEngine;
+
 /// Requests that are sent one after the other, each made from the response before it. The first failure ends the chain, and
 /// so does a step that refuses to send.
 ///
@@ -48,10 +50,13 @@ private:
 
     bool end(Outcome outcome);
     void setRunningRequest(std::shared_ptr<XMRequest> request);
+    /// How the step behind `step` is made; absent when there is none.
+    [[nodiscard]] std::optional<NextBlock> nextBlockAfter(std::size_t step) const;
 
     std::optional<std::string> identifier_;  // set before the first step is sent
+    std::shared_ptr<XMEngine> engine_;       // where its steps run; set with the identifier
     std::atomic<bool> cancelled_{false};     // no further step is sent
-    mutable std::mutex mutex_;               // guards runningRequest_, which who cancels reads; the rest belongs to the running step
+    mutable std::mutex mutex_;               // guards the two below, which others look at or clear; the rest belongs to the running step
     std::shared_ptr<XMRequest> runningRequest_;
     std::vector<NextBlock> nextBlockArray_;
     XMResults responseArray_;

@@ -19,7 +19,7 @@ struct XMConfig {
     util::Dictionary generalParameters;
     platform::HttpHeaders generalHeaders;
     std::optional<util::Dictionary> generalUserInfo;
-    std::shared_ptr<platform::DispatchQueue> callbackQueue;
+    std::shared_ptr<platform::DispatchQueue> callbackQueue;  ///< kept by the caller for as long as results are to arrive on it
     std::shared_ptr<XMEngine> engine;
 };
 

@@ -43,14 +43,14 @@ public:
     [[nodiscard]] static bool isNetworkReachable() { return XMCenter::defaultCenter()->isNetworkReachable(); }
     [[nodiscard]] static XMNetworkStatus networkConnectionType() { return XMCenter::defaultCenter()->networkConnectionType(); }
 
-    static void addSSLPinningURL(const std::string& url) { engine().addSSLPinningURL(url); }
-    static void addSSLPinningCert(util::Bytes certificate) { engine().addSSLPinningCert(std::move(certificate)); }
+    static void addSSLPinningURL(const std::string& url) { engine()->addSSLPinningURL(url); }
+    static void addSSLPinningCert(util::Bytes certificate) { engine()->addSSLPinningCert(std::move(certificate)); }
     static void addTwowayAuthenticationPKCS12(util::Bytes pkcs12, std::optional<std::string> keyPassword) {
-        engine().addTwowayAuthenticationPKCS12(std::move(pkcs12), std::move(keyPassword));
+        engine()->addTwowayAuthenticationPKCS12(std::move(pkcs12), std::move(keyPassword));
     }
 
 private:
-    static XMEngine& engine() { return *XMCenter::defaultCenter()->settings()->engine; }
+    static std::shared_ptr<XMEngine> engine() { return XMCenter::defaultCenter()->settings()->engine; }
 };
 
 }  // namespace halvane::request

@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <charconv>
 #include <cmath>
+#include <exception>
 #include <limits>
 #include <utility>
 
@@ -44,6 +46,16 @@ util::Result<platform::HttpRequest> sendable(util::Result<platform::HttpRequest>
 
 util::Error noSerializer() { return urlError(UrlError::Unknown, "There is no way of encoding a request by that number."); }
 
+util::Error noSession() { return urlError(UrlError::Unknown, "This computer has no resources left for a connection."); }
+
+/// Told as long as the request has the callback; absent where it has none now.
+std::function<void(const platform::HttpProgress&)> progressOf(const std::shared_ptr<XMRequest>& request) {
+    if (!request->progressBlock()) return {};
+    return [request](const platform::HttpProgress& progress) {
+        if (const auto told = request->progressBlock()) told(progress);
+    };
+}
+
 /// A failing file ends the walk; what was appended before it goes out.
 void appendParts(const std::vector<XMUploadFormData>& parts, http::MultipartFormData& form) {
     for (const XMUploadFormData& part : parts) {
@@ -70,16 +82,25 @@ public:
 
     platform::HttpSession& session() {
         std::call_once(made_, [this] {
-            session_ = transport_->makeSession(std::move(configuration_));
+            session_ = transport_->makeSession(configuration_);
             isMade_.store(true, std::memory_order_release);
         });
         return *session_;
     }
 
-    /// Empty while the session was not needed yet.
-    [[nodiscard]] std::vector<std::shared_ptr<platform::HttpTask>> tasks() const {
-        if (!isMade_.load(std::memory_order_acquire)) return {};
-        return session_->tasks();
+    /// Whether there is a session, be it made now: a system without threads or descriptors left has none to give, for now.
+    bool isAvailable() {
+        try {
+            session();
+            return true;
+        } catch (const std::exception&) {
+            return false;
+        }
+    }
+
+    /// Null also while the session was not needed yet.
+    [[nodiscard]] std::shared_ptr<platform::HttpTask> task(unsigned long number) const {
+        return isMade_.load(std::memory_order_acquire) ? session_->task(number) : nullptr;
     }
 
     [[nodiscard]] char prefix() const { return prefix_; }
@@ -87,7 +108,7 @@ public:
 private:
     const char prefix_;
     const std::shared_ptr<platform::HttpTransport> transport_;
-    platform::HttpSessionConfiguration configuration_;  // until the session is made
+    const platform::HttpSessionConfiguration configuration_;
     std::once_flag made_;
     std::atomic<bool> isMade_{false};
     std::shared_ptr<platform::HttpSession> session_;
@@ -129,6 +150,7 @@ XMEngine::Session& XMEngine::xm_getSessionManager(const XMRequest& request) {
 }
 
 void XMEngine::sendRequest(const std::shared_ptr<XMRequest>& request, Completion completion) {
+    if (!completion) completion = [](const Response&, const Failure&) {};
     switch (request->requestType) {
         case XMRequestNormal:
             return xm_dataTaskWithRequest(request, std::move(completion));
@@ -169,38 +191,42 @@ void XMEngine::xm_uploadTaskWithRequest(const std::shared_ptr<XMRequest>& reques
 void XMEngine::sendDataTask(const std::shared_ptr<XMRequest>& request, util::Result<platform::HttpRequest> built, Completion completion) {
     built = sendable(std::move(built));
     if (!built) return post(std::move(completion), built.error());
+    Session& session = xm_getSessionManager(*request);
+    if (!session.isAvailable()) return post(std::move(completion), noSession());
     xm_processURLRequest(*built, *request);
     platform::HttpDataHandlers handlers;
-    if (request->requestType == XMRequestUpload) handlers.onUploadProgress = request->progressBlock();
+    if (request->requestType == XMRequestUpload) handlers.onUploadProgress = progressOf(request);
     handlers.onCompletion = [serializers = responseSerializers_, type = request->responseSerializerType,
                              completion = std::move(completion)](platform::HttpDataResult result) {
         auto [response, failure] = serializers->xm_processResponse(std::move(result), type);
         completion(std::move(response), std::move(failure));
     };
-    Session& session = xm_getSessionManager(*request);
-    start(request, session, session.session().dataTask(*std::move(built), std::move(handlers), request));
+    const auto& context = request->shared_from_this();
+    start(*request, session, session.session().dataTask(*std::move(built), std::move(handlers), context));
 }
 
 void XMEngine::xm_downloadTaskWithRequest(const std::shared_ptr<XMRequest>& request, Completion completion) {
     auto built = sendable(platform::HttpRequest{.url = request->url.value_or("")});
     if (!built) return post(std::move(completion), built.error());
+    Session& session = xm_getSessionManager(*request);
+    if (!session.isAvailable()) return post(std::move(completion), noSession());
     for (const auto& [name, value] : environment_.defaultHeaders.fields()) built->headers.set(name, value);
     xm_processURLRequest(*built, *request);
     auto destination = request->downloadSavePath.value_or("");
     if (environment_.transport->isDirectory(destination)) destination /= util::fileNameOfUrl(built->url);
-    platform::HttpDownloadHandlers handlers{.onProgress = request->progressBlock()};
+    platform::HttpDownloadHandlers handlers{.onProgress = progressOf(request)};
     handlers.destination = [destination = std::move(destination)](const platform::HttpResponse&) { return destination; };
     handlers.onCompletion = [completion = std::move(completion)](platform::HttpDownloadResult result) {
         Response file;
         if (result.file) file = *std::move(result.file);
         completion(std::move(file), std::move(result.error));
     };
-    Session& session = xm_getSessionManager(*request);
-    start(request, session, session.session().downloadTask(*std::move(built), std::move(handlers), request));
+    const auto& context = request->shared_from_this();
+    start(*request, session, session.session().downloadTask(*std::move(built), std::move(handlers), context));
 }
 
-void XMEngine::start(const std::shared_ptr<XMRequest>& request, const Session& session, const std::shared_ptr<platform::HttpTask>& task) {
-    xm_setIdentifierForReqeust(*request, task->taskIdentifier(), session);
+void XMEngine::start(XMRequest& request, const Session& session, const std::shared_ptr<platform::HttpTask>& task) {
+    xm_setIdentifierForReqeust(request, task->taskIdentifier(), session);
     task->resume();
 }
 
@@ -208,28 +234,37 @@ void XMEngine::xm_setIdentifierForReqeust(XMRequest& request, unsigned long task
     request.setIdentifier(session.prefix() + std::to_string(taskIdentifier));
 }
 
-std::shared_ptr<XMRequest> XMEngine::walk(const std::string& identifier, Found found) const {
+std::shared_ptr<platform::HttpTask> XMEngine::taskOf(const std::string& identifier) const {
+    unsigned long number = 0;
     if (identifier.empty()) return nullptr;
-    const std::lock_guard lock(lock_);
+    std::from_chars(identifier.data() + 1, identifier.data() + identifier.size(), number);
     for (const Session* session : {sessionManager_.get(), securitySessionManager_.get()}) {
         if (identifier.front() != session->prefix()) continue;
-        for (const auto& task : session->tasks()) {
-            auto request = bindedRequest(*task);
-            if (!request || request->identifier() != identifier) continue;
-            if (found == Found::Cancel) task->cancel();
-            return request;
-        }
+        auto task = session->task(number);
+        const auto request = task ? bindedRequest(*task) : nullptr;
+        if (request && request->identifier() == identifier) return task;
     }
     return nullptr;
 }
 
-std::shared_ptr<XMRequest> XMEngine::cancelRequestByIdentifier(const std::string& identifier) { return walk(identifier, Found::Cancel); }
+std::shared_ptr<XMRequest> XMEngine::cancelRequestByIdentifier(const std::string& identifier) {
+    const auto task = taskOf(identifier);
+    if (!task) return nullptr;
+    auto request = bindedRequest(*task);
+    task->cancel();
+    return request;
+}
 
-std::shared_ptr<XMRequest> XMEngine::getRequestByIdentifier(const std::string& identifier) const { return walk(identifier, Found::Answer); }
+std::shared_ptr<XMRequest> XMEngine::getRequestByIdentifier(const std::string& identifier) const {
+    const auto task = taskOf(identifier);
+    return task ? bindedRequest(*task) : nullptr;
+}
 
 void XMEngine::setConcurrentOperationCount(std::int64_t count) {
     const int limit = static_cast<int>(std::clamp<std::int64_t>(count, 1, std::numeric_limits<int>::max()));
-    for (Session* session : {sessionManager_.get(), securitySessionManager_.get()}) session->session().setMaximumConcurrentTasks(limit);
+    for (Session* session : {sessionManager_.get(), securitySessionManager_.get()}) {
+        if (session->isAvailable()) session->session().setMaximumConcurrentTasks(limit);
+    }
 }
 
 XMNetworkStatus XMEngine::reachabilityStatus() const {

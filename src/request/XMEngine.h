@@ -7,7 +7,6 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -22,7 +21,7 @@ class ResponseSerializers;
 ///
 /// Any thread. Completions arrive on the environment's completion queue, several at once, never inside `sendRequest`,
 /// exactly one for each task and each request that could not be built. Destroying the engine cancels its tasks; their
-/// completions still arrive, with Cancelled.
+/// completions still arrive on that queue, with Cancelled.
 class XMEngine {
 public:
     /// (response, error): the response may stand beside an error, which then makes it a failure all the same.
@@ -52,10 +51,12 @@ public:
     std::shared_ptr<XMRequest> cancelRequestByIdentifier(const std::string& identifier);
     [[nodiscard]] std::shared_ptr<XMRequest> getRequestByIdentifier(const std::string& identifier) const;
 
-    /// How many tasks of each session run at once, 5 at first. Values below 1 are 1.
+    /// How many tasks of each session run at once, 5 at first. Values below 1 are 1. Makes both sessions.
     void setConcurrentOperationCount(std::int64_t count);
 
     [[nodiscard]] XMNetworkStatus reachabilityStatus() const;
+
+    // The three below count for connections that are opened from then on: call them before the first request.
 
     /// From now on, requests to any host of the address's root domain ("https://a.b.c" registers b.c) use the pinned
     /// session. Other addresses than of https are ignored.
@@ -80,9 +81,9 @@ private:
     /// Sends it, or posts the error that kept it from being built.
     void sendDataTask(const std::shared_ptr<XMRequest>& request, util::Result<platform::HttpRequest> built, Completion completion);
     void post(Completion completion, util::Error error);
-    static void start(const std::shared_ptr<XMRequest>& request, const Session& session, const std::shared_ptr<platform::HttpTask>& task);
-    enum class Found : std::uint8_t { Answer, Cancel };
-    [[nodiscard]] std::shared_ptr<XMRequest> walk(const std::string& identifier, Found found) const;
+    static void start(XMRequest& request, const Session& session, const std::shared_ptr<platform::HttpTask>& task);
+    /// The open task that serves the request of that identifier; null when there is none.
+    [[nodiscard]] std::shared_ptr<platform::HttpTask> taskOf(const std::string& identifier) const;
     [[nodiscard]] platform::HttpSessionConfiguration sessionConfiguration(SecurityPolicy::Session session) const;
 
     const RequestEnvironment environment_;
@@ -91,7 +92,6 @@ private:
     const std::shared_ptr<const ResponseSerializers> responseSerializers_;
     const std::unique_ptr<Session> sessionManager_;
     const std::unique_ptr<Session> securitySessionManager_;
-    mutable std::mutex lock_;  // held during walks over running tasks
 };
 
 }  // namespace halvane::request

@@ -35,8 +35,17 @@ void XMRequest::deliver(Outcome outcome, const Response& response, const Failure
     const auto told = callbacks();
     if (outcome == Outcome::Succeeded && told->onSuccess) told->onSuccess(response);
     if (outcome == Outcome::Failed && told->onFailure) told->onFailure(failure);
-    if (told->onFinished) told->onFinished(response, failure);
-    cleanCallbackBlocks();
+    if (told->onFinished && callbacks() == told) told->onFinished(response, failure);
+    letGoOf(told);
+}
+
+std::shared_ptr<XMRequest> XMRequest::running(const std::shared_ptr<XMRequest>& request) {
+    return {request.get(), [request, callbacks = request->callbacks()](XMRequest*) { request->letGoOf(callbacks); }};
+}
+
+void XMRequest::letGoOf(const std::shared_ptr<const XMCallbacks>& callbacks) {
+    const std::lock_guard lock(mutex_);
+    if (callbacks_ == callbacks) callbacks_.reset();
 }
 
 void XMRequest::cleanCallbackBlocks() {

@@ -18,7 +18,7 @@ namespace halvane::request {
 /// fields may be read from any thread. The task that serves it keeps it alive, so nobody else has to. It keeps its
 /// callbacks until success or failure has been delivered, then lets go of them: a request that the caller holds on to
 /// does not keep alive what the callbacks captured.
-class XMRequest {
+class XMRequest : public std::enable_shared_from_this<XMRequest> {
 public:
     static std::shared_ptr<XMRequest> request() { return std::make_shared<XMRequest>(); }
 
@@ -79,7 +79,11 @@ private:
     void installCallbacks(XMCallbacks given);
     void setIdentifier(std::optional<std::string> identifier);
 
-    /// Success or failure, then finished; then the callbacks are let go of.
+    /// This request for as long as it runs: when the last copy goes, however that comes about, it lets go of the callbacks
+    /// that it has now. A queue that ends drops its blocks; what they hold must not keep itself alive.
+    static std::shared_ptr<XMRequest> running(const std::shared_ptr<XMRequest>& request);
+    void letGoOf(const std::shared_ptr<const XMCallbacks>& callbacks);
+    /// Success or failure, then finished unless that has cleared it; then the callbacks are let go of.
     void deliver(Outcome outcome, const Response& response, const Failure& failure);
 
     mutable std::mutex mutex_;  // guards the two below

@@ -35,14 +35,14 @@ enum XMHTTPMethod : std::int64_t {
 enum XMRequestSerializerType : std::int64_t {
     XMRequestSerializerRAW = 0,   ///< form
     XMRequestSerializerJSON = 1,  ///< JSON
-    XMRequestSerializerPlist = 2  ///< XML property list; a null in it is an error
+    XMRequestSerializerPlist = 2  ///< XML property list; null, far dates and control characters in it are errors
 };
 
 /// How the body of the reply is decoded. Replies of another status than 200-299 are failures whatever their body is.
 enum XMResponseSerializerType : std::int64_t {
     XMResponseSerializerRAW = 0,    ///< not at all: the bytes, of any content type
     XMResponseSerializerJSON = 1,   ///< application/json, text/json, text/javascript; an empty body is an absent response
-    XMResponseSerializerPlist = 2,  ///< application/x-plist
+    XMResponseSerializerPlist = 2,  ///< application/x-plist; a binary one of at most 128 KiB
     XMResponseSerializerXML = 3     ///< application/xml, text/xml: a tree
 };
 

@@ -80,7 +80,11 @@ nlohmann::ordered_json toLibrary(const Value& value) {
     if (const auto* real = value.real()) return *real;
     if (const auto* text = value.text()) return *text;
     if (const auto* data = value.data()) return Base64::encode(*data);
-    if (const auto* date = value.date()) return fmt::format("{:%FT%TZ}", fmt::gmtime(static_cast<std::time_t>(date->seconds)));
+    if (const auto* date = value.date()) {
+        constexpr std::int64_t kEndOfYears = 253'402'300'800;  // 10000-01-01; a calendar goes no further
+        if (date->seconds < -kEndOfYears || date->seconds >= kEndOfYears) return nullptr;
+        return fmt::format("{:%FT%TZ}", fmt::gmtime(static_cast<std::time_t>(date->seconds)));
+    }
     if (const auto* list = value.list()) {
         auto array = nlohmann::ordered_json::array();
         for (const Value& element : *list) array.push_back(toLibrary(element));

@@ -14,7 +14,7 @@ struct Json {
     static Result<Value> decode(const Bytes& bytes);
 
     /// One line without spaces, keys in the dictionary's order. Bytes are written as base64 text,
-    /// dates as ISO 8601;
+    /// dates as ISO 8601, those beyond the year 9999 as null;
     /// invalid UTF-8 in a text is replaced by U+FFFD; numbers that are not finite become null.
     static Bytes encode(const Value& value);
 };

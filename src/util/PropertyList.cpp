@@ -25,15 +25,33 @@ using CText = std::unique_ptr<char, FreeText>;
 constexpr int kMaxDepth = 512;
 constexpr std::size_t kLargestBinary = 128 * 1024;  // no room in it for more levels than a stack has
 
-/// Whether arrays and dictionaries of an XML property list stand deeper in one another than they may.
+/// Where the mark-up that begins at `start` ends: one past it. What stands in comments, CDATA and quotes is no tag.
+std::size_t endOfMarkup(std::string_view xml, std::size_t start) {
+    const std::string_view rest = xml.substr(start);
+    const auto behind = [&](std::string_view mark) {
+        const auto found = xml.find(mark, start);
+        return found == std::string_view::npos ? xml.size() : found + mark.size();
+    };
+    if (rest.starts_with("<!--")) return behind("-->");
+    if (rest.starts_with("<![CDATA[")) return behind("]]>");
+    if (rest.starts_with("<?")) return behind("?>");
+    for (std::size_t at = start; at < xml.size(); ++at) {
+        if (xml[at] == '>') return at + 1;
+        if (xml[at] == '"' || xml[at] == '\'') at = std::min(xml.find(xml[at], at + 1), xml.size());
+    }
+    return xml.size();
+}
+
+/// Whether arrays and dictionaries of an XML property list stand deeper in one another than they may, or do not match.
 bool isTooDeep(std::string_view xml) {
     int depth = 0;
-    for (std::size_t at = xml.find('<'); at != std::string_view::npos; at = xml.find('<', at + 1)) {
-        const std::string_view tag = xml.substr(at, xml.find('>', at) - at);
-        if (tag.ends_with('/')) continue;
+    for (std::size_t at = xml.find('<'), end = 0; at != std::string_view::npos; at = xml.find('<', end)) {
+        end = endOfMarkup(xml, at);
+        const std::string_view tag = xml.substr(at, end - at);
+        if (tag.ends_with("/>")) continue;
         if (tag.starts_with("<array") || tag.starts_with("<dict")) ++depth;
         if (tag.starts_with("</array") || tag.starts_with("</dict")) --depth;
-        if (depth > kMaxDepth) return true;
+        if (depth > kMaxDepth || depth < 0) return true;
     }
     return false;
 }

@@ -27,7 +27,8 @@ public:
     const T* operator->() const { return &value(); }
     T* operator->() { return &value(); }
 
-    [[nodiscard]] const Error& error() const { return std::get<1>(state_); }
+    [[nodiscard]] const Error& error() const& { return std::get<1>(state_); }
+    [[nodiscard]] Error&& error() && { return std::get<1>(std::move(state_)); }
 
 private:
     std::variant<T, Error> state_;

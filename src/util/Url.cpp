@@ -36,7 +36,8 @@ bool namesWebHost(std::string_view url) {
 }
 
 std::optional<std::string> resolved(const std::string& base, const std::string& reference, unsigned int flags) {
-    const UrlHandle handle = parsed(base);
+    // libcurl would resolve against the fragment too.
+    const UrlHandle handle = parsed(base.substr(0, base.find('#')));
     if (!handle) return std::nullopt;
     if (!reference.empty() && curl_url_set(handle.get(), CURLUPART_URL, reference.c_str(), flags) != CURLUE_OK) return std::nullopt;
     std::string url = part(handle, CURLUPART_URL);
@@ -57,6 +58,15 @@ PathSpan pathOf(std::string_view url) {
     return {std::min(url.find('/', authority), end), end};
 }
 
+/// libcurl unescapes and maps such a name, so that it would lead elsewhere than it reads. (An address in brackets may name
+/// its zone so.)
+bool hasEscapedHost(std::string_view url) {
+    const std::size_t start = url.find("://") + 3;
+    std::string_view authority = url.substr(start, std::min(url.find_first_of("/?#", start), url.size()) - start);
+    if (const auto user = authority.rfind('@'); user != std::string_view::npos) authority.remove_prefix(user + 1);
+    return !authority.starts_with('[') && authority.find('%') != std::string_view::npos;
+}
+
 bool isHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
 bool mayStandInUrl(char c) {
@@ -67,7 +77,7 @@ bool mayStandInUrl(char c) {
 }  // namespace
 
 bool isSendableUrl(std::string_view url) {
-    if (!namesWebHost(url) || !std::ranges::all_of(url, mayStandInUrl)) return false;
+    if (!namesWebHost(url) || !std::ranges::all_of(url, mayStandInUrl) || hasEscapedHost(url)) return false;
     for (auto at = url.find('%'); at != std::string_view::npos; at = url.find('%', at + 1)) {
         if (at + 2 >= url.size() || !isHexDigit(url[at + 1]) || !isHexDigit(url[at + 2])) return false;
     }
@@ -77,7 +87,7 @@ bool isSendableUrl(std::string_view url) {
 std::optional<UrlOrigin> originOf(const std::string& url) {
     const UrlHandle handle = parsed(url);
     if (!handle) return std::nullopt;
-    UrlOrigin origin{part(handle, CURLUPART_SCHEME), lowercasedAscii(part(handle, CURLUPART_HOST)),
+    UrlOrigin origin{part(handle, CURLUPART_SCHEME), lowercasedAscii(part(handle, CURLUPART_HOST, CURLU_PUNYCODE)),
                      part(handle, CURLUPART_PORT, CURLU_DEFAULT_PORT)};
     if (origin.host.starts_with('[') && origin.host.ends_with(']')) origin.host = origin.host.substr(1, origin.host.size() - 2);
     if (origin.host.ends_with('.')) origin.host.pop_back();
@@ -92,7 +102,11 @@ std::optional<std::string> resolvedUrl(const std::string& base, const std::strin
 std::optional<std::string> resolvedReference(const std::string& base, const std::string& reference) {
     if (isSendableUrl(reference)) return reference;
     // libcurl takes these two for relative paths, and would lose the base's last component.
-    if (reference.empty() || reference.front() == '#') return resolved(base.substr(0, base.find('#')) + reference, "", 0);
+    if (reference.empty() || reference.front() == '#') {
+        auto whole = resolved(base, "", 0);
+        if (whole) *whole += reference;
+        return whole && isSendableUrl(*whole) ? whole : std::nullopt;
+    }
     return std::ranges::all_of(reference, mayStandInUrl) ? resolved(base, reference, 0) : std::nullopt;
 }
 

@@ -187,6 +187,11 @@ LoopbackServer::Script LoopbackServer::answering(std::function<std::string(const
     };
 }
 
+std::string refusingUrl(const std::string& path) {
+    // A port that was given out a moment ago, and that nobody listens on any more.
+    return LoopbackServer([](LoopbackConnection&) {}).url(path);
+}
+
 std::string okReply(std::string_view body, std::string_view moreHeaders) {
     return "HTTP/1.1 200 OK\r\n" + std::string(moreHeaders) + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" +
            std::string(body);

@@ -97,6 +97,9 @@ private:
     std::thread acceptor_;
 };
 
+/// An address on 127.0.0.1 that refuses connections.
+std::string refusingUrl(const std::string& path = "/");
+
 /// "HTTP/1.1 200 OK" with that body and its length.
 std::string okReply(std::string_view body, std::string_view moreHeaders = {});
 

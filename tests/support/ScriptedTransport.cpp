@@ -95,6 +95,10 @@ public:
         }
         return open;
     }
+    std::shared_ptr<platform::HttpTask> task(unsigned long taskIdentifier) const override {
+        const bool isOpen = taskIdentifier > 0 && taskIdentifier <= tasks_.size() && !tasks_[taskIdentifier - 1]->completed();
+        return isOpen ? tasks_[taskIdentifier - 1] : nullptr;
+    }
     void setMaximumConcurrentTasks(int /*count*/) override {}
     void invalidateCancelingTasks() final {
         for (const auto& task : tasks()) task->cancel();

@@ -46,7 +46,7 @@ struct Plan {
     std::string subjectAltName;
     std::string extendedKeyUsage;
     bool isAuthority = false;
-    bool expired = false;
+    TestAuthority::Validity validity = TestAuthority::Validity::Now;
 };
 
 struct Pair {
@@ -63,8 +63,8 @@ Pair make(const Plan& plan, const Pair* issuer) {
     X509& signer = issuer != nullptr ? *issuer->certificate : certificate;
     X509_set_version(&certificate, X509_VERSION_3);
     ASN1_INTEGER_set(X509_get_serialNumber(&certificate), serial++);
-    X509_gmtime_adj(X509_getm_notBefore(&certificate), -10 * kDay);
-    X509_gmtime_adj(X509_getm_notAfter(&certificate), plan.expired ? -kDay : 10 * kDay);
+    X509_gmtime_adj(X509_getm_notBefore(&certificate), plan.validity == TestAuthority::Validity::NotYet ? kDay : -10 * kDay);
+    X509_gmtime_adj(X509_getm_notAfter(&certificate), plan.validity == TestAuthority::Validity::Expired ? -kDay : 10 * kDay);
     X509_set_pubkey(&certificate, made.key.get());
     X509_NAME_add_entry_by_txt(X509_get_subject_name(&certificate), "CN", MBSTRING_UTF8,
                                reinterpret_cast<const unsigned char*>(plan.commonName.c_str()), -1, -1, 0);
@@ -99,20 +99,22 @@ TestAuthority::TestAuthority(const std::string& name) : state_(std::make_unique<
     state_->identity = exported(state_->pair);
 }
 
+TestAuthority::TestAuthority(const std::string& name, const TestAuthority& issuer) : state_(std::make_unique<State>()) {
+    state_->pair = make({.commonName = name, .isAuthority = true}, &issuer.state_->pair);
+    state_->identity = exported(state_->pair);
+}
+
 TestAuthority::~TestAuthority() = default;
 
 const TestIdentity& TestAuthority::root() const { return state_->identity; }
 
 TestIdentity TestAuthority::issueServer(const std::string& subjectAltName, Validity validity) const {
-    return exported(make({.commonName = "server",
-                          .subjectAltName = subjectAltName,
-                          .extendedKeyUsage = "serverAuth",
-                          .expired = validity == Validity::Expired},
+    return exported(make({.commonName = "server", .subjectAltName = subjectAltName, .extendedKeyUsage = "serverAuth", .validity = validity},
                          &state_->pair));
 }
 
-TestIdentity TestAuthority::issueClient(const std::string& commonName) const {
-    return exported(make({.commonName = commonName, .extendedKeyUsage = "clientAuth"}, &state_->pair));
+TestIdentity TestAuthority::issueClient(const std::string& commonName, Validity validity) const {
+    return exported(make({.commonName = commonName, .extendedKeyUsage = "clientAuth", .validity = validity}, &state_->pair));
 }
 
 TestIdentity TestAuthority::selfSigned(const std::string& subjectAltName) {

@@ -70,6 +70,7 @@ TlsLoopback::TlsLoopback(Options options) : context_(std::make_unique<Context>()
     X509* certificate = certificateFrom(options.identity.certificate);
     SSL_CTX_use_certificate(ssl, certificate);
     X509_free(certificate);
+    if (!options.intermediate.empty()) SSL_CTX_add0_chain_cert(ssl, certificateFrom(options.intermediate));
     BIO* keyText = BIO_new_mem_buf(options.identity.key.data(), -1);
     EVP_PKEY* key = PEM_read_bio_PrivateKey(keyText, nullptr, nullptr, nullptr);
     SSL_CTX_use_PrivateKey(ssl, key);

@@ -16,6 +16,7 @@ public:
     enum class Client { NotAsked, Asked, Required };
     struct Options {
         TestIdentity identity;
+        std::string intermediate;  ///< PEM, sent behind the identity; none when empty
         Client client = Client::NotAsked;
         std::string clientAuthority;  ///< PEM
         int highestVersion = 0;       ///< as OpenSSL numbers them; 0 for its own. Old ones are made possible.

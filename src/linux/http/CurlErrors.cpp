@@ -71,6 +71,8 @@ util::Error errorOf(CURLcode code, const FailureContext& context) {
             return tlsError(context);
         case CURLE_PEER_FAILED_VERIFICATION:
         case CURLE_SSL_ISSUER_ERROR:
+            // An alert speaks of our certificate: of theirs we would have told ourselves.
+            if (context.tlsAlertReceived) return tlsError(context);
             return urlError(UrlError::UntrustedCertificate, "The certificate of " + context.server + " is not trusted.");
         case CURLE_GOT_NOTHING:
         case CURLE_PARTIAL_FILE:

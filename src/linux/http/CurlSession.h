@@ -21,6 +21,9 @@ public:
     std::shared_ptr<platform::HttpTask> downloadTask(platform::HttpRequest request, platform::HttpDownloadHandlers handlers,
                                                      std::shared_ptr<void> context) override;
     [[nodiscard]] std::vector<std::shared_ptr<platform::HttpTask>> tasks() const override { return board_->tasks(); }
+    [[nodiscard]] std::shared_ptr<platform::HttpTask> task(unsigned long taskIdentifier) const override {
+        return board_->task(taskIdentifier);
+    }
     void setMaximumConcurrentTasks(int count) override { board_->setLimit(count); }
     void invalidateCancelingTasks() override { board_->invalidate(); }
 

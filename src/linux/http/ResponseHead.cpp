@@ -9,6 +9,7 @@ namespace halvane::linux_http {
 namespace {
 
 constexpr std::size_t kLargestHead = 256UL * 1024UL;
+constexpr std::size_t kMostFields = 1000;  // each is looked for among those before it
 
 std::string_view trimmedView(std::string_view text) {
     constexpr std::string_view kSpace = " \t\r\n";
@@ -32,7 +33,7 @@ ResponseHead::Line ResponseHead::take(std::string_view line) {
     if (line.starts_with("HTTP/")) return beginReply(line) ? Line::Taken : Line::Refused;
     if (!trimmedView(line).empty()) {
         takeField(line);
-        return Line::Taken;
+        return response_.headers.fields().size() > kMostFields ? Line::Refused : Line::Taken;
     }
     if (response_.status < 200 && response_.status != 101) return Line::Taken;
     complete_ = true;

@@ -91,6 +91,12 @@ std::vector<std::shared_ptr<platform::HttpTask>> TaskBoard::tasks() const {
     return open;
 }
 
+std::shared_ptr<platform::HttpTask> TaskBoard::task(unsigned long identifier) const {
+    const std::lock_guard lock(mutex_);
+    const auto found = tasks_.find(identifier);
+    return found == tasks_.end() ? nullptr : found->second;
+}
+
 void TaskBoard::setLimit(int limit) {
     std::unique_lock lock(mutex_);
     limit_ = asLimit(limit);
@@ -102,6 +108,7 @@ void TaskBoard::setLimit(int limit) {
 void TaskBoard::invalidate() {
     std::unique_lock lock(mutex_);
     invalid_ = true;
+    waiting_.clear();
     for (const auto& [identifier, task] : tasks_) cancelLocked(*task);
     const Afterwards afterwards = claimLocked();
     lock.unlock();

@@ -31,6 +31,7 @@ public:
     void resume(CurlTask& task);
     void cancel(CurlTask& task);
     [[nodiscard]] std::vector<std::shared_ptr<platform::HttpTask>> tasks() const;
+    [[nodiscard]] std::shared_ptr<platform::HttpTask> task(unsigned long identifier) const;
     void setLimit(int limit);
     /// Cancels all tasks, those to come too.
     void invalidate();
@@ -78,7 +79,7 @@ private:
 
     const std::weak_ptr<platform::DispatchQueue> queue_;
     const int wakeDescriptor_;
-    std::atomic<bool> sleeping_{false};  ///< set under the lock only
+    std::atomic<bool> sleeping_{false};  ///< becomes true under the lock only
 
     mutable std::mutex mutex_;  // guards what follows
     std::map<unsigned long, std::shared_ptr<CurlTask>> tasks_;

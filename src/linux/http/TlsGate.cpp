@@ -2,6 +2,7 @@
 
 #include "linux/http/ClientCertificate.h"
 #include "util/Text.h"
+#include "util/Url.h"
 
 #include <openssl/bio.h>
 #include <openssl/err.h>
@@ -12,6 +13,7 @@
 
 #include <arpa/inet.h>
 #include <array>
+#include <cstdlib>
 #include <utility>
 
 namespace halvane::linux_http {
@@ -30,7 +32,7 @@ struct TlsConnection {
     static void noteAlert(const SSL* ssl, int where, int value);
 
     bool accepts(X509_STORE_CTX* chain, const SSL* ssl) const;
-    [[nodiscard]] bool isProxyHandshake(const SSL* ssl) const;
+    [[nodiscard]] bool asksAnotherHost(const SSL* ssl) const;
 };
 
 namespace {
@@ -55,17 +57,31 @@ std::vector<util::Bytes> sentChain(X509_STORE_CTX* chain) {
     return result;
 }
 
-/// Whether the chain leads to a known authority and the certificate is for `host`.
-bool isTrusted(X509_STORE_CTX* chain, const std::string& host) {
+/// Has the chain judged for `host` alone. False when memory runs out: then nothing may be judged.
+bool expectHost(X509_STORE_CTX* chain, const std::string& host) {
     X509_VERIFY_PARAM* rules = X509_STORE_CTX_get0_param(chain);
-    X509_VERIFY_PARAM_set_hostflags(rules, X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS);
-    const int named = isAddress(host) ? X509_VERIFY_PARAM_set1_ip_asc(rules, host.c_str())
-                                      : X509_VERIFY_PARAM_set1_host(rules, host.c_str(), host.size());
+    X509_VERIFY_PARAM_set_hostflags(rules, X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS | X509_CHECK_FLAG_NEVER_CHECK_SUBJECT);
+    return (isAddress(host) ? X509_VERIFY_PARAM_set1_ip_asc(rules, host.c_str())
+                            : X509_VERIFY_PARAM_set1_host(rules, host.c_str(), host.size())) == 1;
+}
+
+/// Whether the chain leads to a known authority, and the certificate is for the host that is expected.
+bool isTrusted(X509_STORE_CTX* chain) {
     // A failure that the policy overrules must not stay in the queue, where it would look like one of the handshake's.
     ERR_set_mark();
-    const bool trusted = named == 1 && X509_verify_cert(chain) == 1;
+    const bool trusted = X509_verify_cert(chain) == 1;
     ERR_pop_to_mark();
     return trusted;
+}
+
+/// Whether the environment, from which libcurl takes its proxies, names one of that host.
+bool isProxy(const std::string& host) {
+    for (const char* variable : {"https_proxy", "HTTPS_PROXY", "http_proxy", "all_proxy", "ALL_PROXY"}) {
+        const char* proxy = std::getenv(variable);
+        const auto origin = proxy == nullptr ? std::nullopt : util::originOf(proxy);
+        if (origin && origin->host == host) return true;
+    }
+    return false;
 }
 
 void addAuthorities(X509_STORE* store, const std::string& pem) {
@@ -116,16 +132,19 @@ int TlsConnection::slot() {
 
 TlsConnection* TlsConnection::of(const SSL* ssl) { return static_cast<TlsConnection*>(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(ssl), slot())); }
 
-bool TlsConnection::isProxyHandshake(const SSL* ssl) const {
+bool TlsConnection::asksAnotherHost(const SSL* ssl) const {
     const char* asked = SSL_get_servername(ssl, TLSEXT_NAMETYPE_host_name);
     return asked != nullptr && util::lowercasedAscii(asked) != host;
 }
 
 bool TlsConnection::accepts(X509_STORE_CTX* chain, const SSL* ssl) const {
-    // A proxy is no server of ours: the system judges it, the policy is not asked.
-    if (isProxyHandshake(ssl)) return isTrusted(chain, SSL_get_servername(ssl, TLSEXT_NAMETYPE_host_name));
-    platform::ServerTrust trust{host, sentChain(chain), false, {}};
-    trust.trustedBySystem = isTrusted(chain, host);
+    if (asksAnotherHost(ssl)) {
+        // A proxy is no server of ours: the system judges it, the policy is not asked.
+        const std::string other = util::lowercasedAscii(SSL_get_servername(ssl, TLSEXT_NAMETYPE_host_name));
+        return isProxy(other) && expectHost(chain, other) && isTrusted(chain);
+    }
+    if (!expectHost(chain, host)) return false;
+    platform::ServerTrust trust{host, sentChain(chain), isTrusted(chain), {}};
     trust.isValidTowards = [chain](const std::vector<util::Bytes>& anchors) { return isValidTowards(chain, anchors); };
     const auto& evaluate = gate->policy_.evaluateServerTrust;
     return evaluate ? evaluate(trust) : trust.trustedBySystem;
@@ -146,7 +165,7 @@ int TlsConnection::judgeServer(X509_STORE_CTX* chain, void* self) {
 int TlsConnection::offerCertificate(SSL* ssl, X509** certificate, EVP_PKEY** key) {
     const TlsConnection* connection = of(ssl);
     const auto& ask = connection->gate->policy_.clientIdentity;
-    if (!ask || connection->isProxyHandshake(ssl)) return 0;
+    if (!ask || connection->asksAnotherHost(ssl)) return 0;
     const auto identity = ask(connection->host);
     if (!identity) return 0;
     const ClientCertificate read = readClientCertificate(*identity);

@@ -27,6 +27,20 @@ struct Threads {
     linux::NetworkManagerReachability reachability{*handlers};
 };
 
+/// Posts to the completion queue; what waits there keeps the threads alive. So the results of an engine's last requests
+/// arrive when nobody holds engine or environment any more.
+class LastingQueue final : public platform::DispatchQueue {
+public:
+    explicit LastingQueue(std::shared_ptr<Threads> threads) : threads_(std::move(threads)) {}
+    void async(Block block) override {
+        threads_->completion->async([threads = threads_, block = std::move(block)] { block(); });
+    }
+    void after(std::chrono::milliseconds delay, Block block) override { threads_->completion->after(delay, std::move(block)); }
+
+private:
+    const std::shared_ptr<Threads> threads_;
+};
+
 std::string programName(const std::string& given) { return given.empty() ? fmt::format("{}/1.0", ::program_invocation_short_name) : given; }
 
 /// "de_DE.UTF-8" as "de-DE"; the portable locales have no language.
@@ -64,7 +78,7 @@ RequestEnvironment RequestLayer::makeEnvironment(const Options& options) {
     const auto threads = std::make_shared<Threads>(options.threads == 0 ? linux::AsioDispatchQueues::usualThreadCount() : options.threads);
     const std::string agent = programName(options.programName);
     RequestEnvironment environment{.transport = std::make_shared<linux_http::CurlTransport>(options.largestBody),
-                                   .completionQueue = {threads, threads->completion.get()},
+                                   .completionQueue = std::make_shared<LastingQueue>(threads),
                                    .backgroundQueue = {threads, threads->background.get()},
                                    .reachability = {threads, &threads->reachability},
                                    .log = options.log};
@@ -72,14 +86,10 @@ RequestEnvironment RequestLayer::makeEnvironment(const Options& options) {
         environment.log = std::make_shared<linux::SystemLog>(linux::SystemLog::Journal::ofThisProcess(), agent.substr(0, agent.find('/')));
     environment.defaultHeaders.set("Accept-Language", acceptLanguage(options.languages.empty() ? languagesOfProcess() : options.languages));
     environment.defaultHeaders.set("User-Agent", agent);
+    XMEngine::load(*environment.reachability);
     return environment;
 }
 
-void RequestLayer::start(const Options& options) {
-    RequestEnvironment environment = makeEnvironment(options);
-    const auto monitor = environment.reachability;
-    RequestEnvironment::setShared(std::move(environment));
-    XMEngine::load(*monitor);
-}
+void RequestLayer::start(const Options& options) { RequestEnvironment::setShared(makeEnvironment(options)); }
 
 }  // namespace halvane::request

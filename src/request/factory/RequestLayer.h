@@ -29,11 +29,12 @@ public:
 
     RequestLayer() = delete;
 
-    /// Makes the environment of the process and starts the reachability monitor. Once, before any use of the shared engine
+    /// Makes the environment of the process. Once, before any use of the shared engine
     /// or the default center; it lasts as long as the process.
     static void start(const Options& options);
 
-    /// An environment of one's own, for `XMEngine` and `XMCenter::center`: it ends with the last of them.
+    /// An environment of one's own, for `XMEngine` and `XMCenter::center`, its reachability monitor started: it ends with the
+    /// last of them and of their results.
     static RequestEnvironment makeEnvironment(const Options& options);
 };
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "linux/http/CurlTransport.h"
+#include "support/EventLog.h"
+#include "support/Gate.h"
 #include "support/LoopbackServer.h"
 #include "support/ThreadQueue.h"
 
@@ -8,61 +10,19 @@
 
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <future>
 #include <iterator>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
 namespace halvane::linux_http {
 
-/// What happened, in order, from any thread; `await` waits for it with a deadline.
-class EventLog {
-public:
-    void add(std::string event) {
-        const std::lock_guard lock(mutex_);
-        events_.push_back(std::move(event));
-        changed_.notify_all();
-    }
-    /// False when there are still fewer than `count` after thirty seconds.
-    bool await(std::size_t count) {
-        std::unique_lock lock(mutex_);
-        return changed_.wait_for(lock, std::chrono::seconds(30), [&] { return events_.size() >= count; });
-    }
-    [[nodiscard]] std::vector<std::string> events() const {
-        const std::lock_guard lock(mutex_);
-        return events_;
-    }
-
-private:
-    mutable std::mutex mutex_;
-    std::condition_variable changed_;
-    std::vector<std::string> events_;
-};
-
-/// A door that the test opens; what waits at it gives up after thirty seconds.
-class Gate {
-public:
-    void open() {
-        const std::lock_guard lock(mutex_);
-        open_ = true;
-        changed_.notify_all();
-    }
-    bool pass() {
-        std::unique_lock lock(mutex_);
-        return changed_.wait_for(lock, std::chrono::seconds(30), [this] { return open_; });
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    bool open_ = false;
-};
+using test::EventLog;
+using test::Gate;
 
 class HttpFixture : public testing::Test {
 protected:
