@@ -1,6 +1,7 @@
 # How everything of ours is compiled, and the three functions that the folders use.
 option(HALVANE_TESTS "Build the tests" ON)
 option(HALVANE_BENCH "Build the benches" ON)
+option(HALVANE_BENCH_PEERS "Build the HTTP bench, with the libraries that it compares (packaging/bench-packages.txt)" OFF)
 set(HALVANE_SANITIZE "" CACHE STRING "address (with undefined behaviour) or thread; empty for none")
 
 find_program(CCACHE ccache)

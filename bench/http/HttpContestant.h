@@ -1,19 +1,19 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
 namespace halvane::bench {
 
 /// What is asked of every contestant: a small GET, or a POST of a kilobyte of JSON.
-enum class HttpExchange { Get, Post };
+enum class HttpExchange : std::uint8_t { Get, Post };
 
 /// One way of exchanging with the bench's server. Used from one thread at a time: the bench's own for
 /// the first requests, then the one on which the contestant calls `done`.
 class HttpContestant {
 public:
     virtual ~HttpContestant() = default;
-    [[nodiscard]] virtual std::string name() const = 0;
     /// Sends one request; `done` is called once, on the contestant's result thread, with whether the
     /// whole reply had arrived.
     virtual void send(HttpExchange exchange, std::function<void(bool)> done) = 0;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "http_contestant.h"
-#include "http_queue.h"
+#include "HttpContestant.h"
+#include "HttpQueue.h"
 #include "linux/http/CurlTransport.h"
 #include "service/APIClient.h"
 #include "session/HDCLUserConfig.h"
@@ -26,8 +26,6 @@ public:
         user_.user_loginSuccessWithDic(util::Dictionary{{"token", std::string(64, 't')}});
     }
     ~HttpClient() override { client_.reset(); }
-
-    [[nodiscard]] std::string name() const override { return "HTTP client"; }
 
     void send(HttpExchange exchange, std::function<void(bool)> done) override {
         if (std::this_thread::get_id() == thread_) {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "http_contestant.h"
-#include "http_queue.h"
+#include "HttpContestant.h"
+#include "HttpQueue.h"
 
 #include <curl/curl.h>
 
@@ -23,7 +23,6 @@ public:
     PlainCurl(const PlainCurl&) = delete;
     PlainCurl& operator=(const PlainCurl&) = delete;
 
-    [[nodiscard]] std::string name() const override { return "plain libcurl"; }
     void send(HttpExchange exchange, std::function<void(bool)> done) override;
 
 private:

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "http_contestant.h"
-#include "http_queue.h"
+#include "HttpContestant.h"
+#include "HttpQueue.h"
 #include "linux/http/CurlTransport.h"
 
 #include <memory>
@@ -14,8 +14,6 @@ class TransportSession final : public HttpContestant {
 public:
     explicit TransportSession(std::string url)
         : url_(std::move(url)), session_(linux_http::CurlTransport().makeSession({.resultQueue = queue_})) {}
-
-    [[nodiscard]] std::string name() const override { return "transport session"; }
 
     void send(HttpExchange exchange, std::function<void(bool)> done) override {
         platform::HttpRequest request{.url = url_};

@@ -1,4 +1,4 @@
-#include "http_plain_curl.h"
+#include "PlainCurl.h"
 
 #include <utility>
 

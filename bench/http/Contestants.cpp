@@ -1,0 +1,26 @@
+#include "Contestants.h"
+
+#include "HttpClient.h"
+#include "PlainCurl.h"
+#include "TransportSession.h"
+
+namespace halvane::bench {
+
+namespace {
+
+template <class Contestant>
+SmallContestant small(std::string name) {
+    return {std::move(name), [](const std::string& url) { return std::make_unique<Contestant>(url); }};
+}
+
+}  // namespace
+
+std::vector<SmallContestant> smallContestants() {
+    return {
+        small<PlainCurl>("plain libcurl"),
+        small<TransportSession>("transport session"),
+        small<HttpClient>("HTTP client"),
+    };
+}
+
+}  // namespace halvane::bench
