@@ -1,7 +1,10 @@
 #include "Contestants.h"
 
+#include "BeastConnections.h"
 #include "HttpClient.h"
+#include "HttplibThreads.h"
 #include "PlainCurl.h"
+#include "QtManager.h"
 #include "TransportSession.h"
 
 namespace halvane::bench {
@@ -17,9 +20,8 @@ SmallContestant small(std::string name) {
 
 std::vector<SmallContestant> smallContestants() {
     return {
-        small<PlainCurl>("plain libcurl"),
-        small<TransportSession>("transport session"),
-        small<HttpClient>("HTTP client"),
+        small<PlainCurl>("plain libcurl"),    small<TransportSession>("transport session"), small<HttpClient>("HTTP client"),
+        small<HttplibThreads>("cpp-httplib"), small<BeastConnections>("Boost.Beast"),       small<QtManager>("Qt network manager"),
     };
 }
 

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <string_view>
 #include <thread>
 
 namespace halvane::bench {
@@ -30,48 +31,43 @@ int freePort() {
     return ntohs(address.sin_port);
 }
 
-/// An uploaded body is written to a file, because a mere `return` answers before the body has come and contestants
-/// differ in what they make of that.
-std::string configuration(const std::string& directory, int port) {
-    std::string temporaryPaths;
-    for (const char* which : {"client_body", "proxy", "fastcgi", "uwsgi", "scgi"})
-        temporaryPaths.append("  ").append(which).append("_temp_path ").append(directory).append("/temporary;\n");
-    return "daemon off;\n"
-           "master_process off;\n"  // one process to end, and none that changes its user
-           "pid " +
-           directory +
-           "/pid;\n"
-           "lock_file " +
-           directory +
-           "/lock;\n"
-           "error_log " +
-           directory +
-           "/error.log;\n"
-           "events { worker_connections 64; }\n"
-           "http {\n" +
-           temporaryPaths +
-           "  access_log off;\n"
-           "  sendfile on;\n"
-           "  keepalive_requests 1000000000;\n"
-           "  client_max_body_size 0;\n"
-           "  server {\n"
-           "    listen 127.0.0.1:" +
-           std::to_string(port) +
-           ";\n"
-           "    root " +
-           directory +
-           "/public;\n"
-           "    location /api/ {\n"
-           "      default_type \"application/json; charset=utf-8\";\n"
-           R"(      return 200 '{"code":0,"message":"OK","data":{"user_name":"chen.xiao","token":"0123456789abcdef"}}';)"
-           "\n"
-           "    }\n"
-           "    location /upload/ {\n"
-           "      dav_methods PUT;\n"
-           "      client_body_buffer_size 1m;\n"
-           "    }\n"
-           "  }\n"
-           "}\n";
+/// One process, so that there is one to end, and none that changes its user. An uploaded body is written to a file,
+/// because a mere `return` answers before the body has come, and contestants differ in what they make of that.
+constexpr const char* kConfiguration = R"(
+daemon off;
+master_process off;
+pid @directory@/pid;
+lock_file @directory@/lock;
+error_log @directory@/error.log;
+events { worker_connections 64; }
+http {
+  access_log off;
+  sendfile on;
+  keepalive_requests 1000000000;
+  client_max_body_size 0;
+  client_body_temp_path @directory@/temporary;
+  proxy_temp_path @directory@/temporary;
+  fastcgi_temp_path @directory@/temporary;
+  uwsgi_temp_path @directory@/temporary;
+  scgi_temp_path @directory@/temporary;
+  server {
+    listen 127.0.0.1:@port@;
+    root @directory@/public;
+    location /api/ {
+      default_type "application/json; charset=utf-8";
+      return 200 '{"code":0,"message":"OK","data":{"user_name":"chen.xiao","token":"0123456789abcdef"}}';
+    }
+    location /upload/ {
+      dav_methods PUT;
+      client_body_buffer_size 1m;
+    }
+  }
+}
+)";
+
+std::string withReplaced(std::string text, std::string_view mark, const std::string& value) {
+    for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark, at + value.size())) text.replace(at, mark.size(), value);
+    return text;
 }
 
 std::string contentOf(const std::filesystem::path& path) {
@@ -93,7 +89,7 @@ NginxServer::NginxServer(std::filesystem::path directory) : directory_(std::move
 bool NginxServer::start() {
     port_ = freePort();
     const std::filesystem::path file = directory_ / "nginx.conf";
-    std::ofstream(file) << configuration(directory_.string(), port_);
+    std::ofstream(file) << withReplaced(withReplaced(kConfiguration, "@directory@", directory_.string()), "@port@", std::to_string(port_));
     program_ =
         std::make_unique<ChildProgram>(std::vector<std::string>{kProgram, "-e", (directory_ / "error.log").string(), "-c", file.string()});
     // It writes its number once it listens.

@@ -4,6 +4,8 @@
 #include "SmallExchanges.h"
 #include "support/TemporaryDirectory.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -29,6 +31,7 @@ void run(const std::vector<int>& numbers) {
 
 /// halvane_http_bench [ROUNDS [REQUESTS]]
 int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
     std::vector<int> numbers{41, 1000};
     for (std::size_t i = 0; i < numbers.size() && static_cast<int>(i) + 1 < argc; ++i) numbers[i] = std::max(std::atoi(argv[i + 1]), 1);
     try {

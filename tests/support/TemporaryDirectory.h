@@ -10,8 +10,8 @@ namespace halvane::test {
 /// A directory of the test's own, 0700, which goes with this object.
 class TemporaryDirectory {
 public:
-    TemporaryDirectory() {
-        std::string name = (std::filesystem::temp_directory_path() / "halvane-test-XXXXXX").string();
+    explicit TemporaryDirectory(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+        std::string name = (parent / "halvane-test-XXXXXX").string();
         if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make " + name);
         path_ = name;
     }
