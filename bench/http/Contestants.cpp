@@ -1,10 +1,16 @@
 #include "Contestants.h"
 
 #include "BeastConnections.h"
+#include "BeastFileTransfer.h"
+#include "CurlFileTransfer.h"
 #include "HttpClient.h"
+#include "HttplibFileTransfer.h"
 #include "HttplibThreads.h"
 #include "PlainCurl.h"
+#include "QtFileTransfer.h"
 #include "QtManager.h"
+#include "QueuedTasks.h"
+#include "TransportFileTransfer.h"
 #include "TransportSession.h"
 
 namespace halvane::bench {
@@ -16,6 +22,16 @@ SmallContestant small(std::string name) {
     return {std::move(name), [](const std::string& url) { return std::make_unique<Contestant>(url); }};
 }
 
+template <class Transfer>
+LargeContestant large(std::string name) {
+    return {std::move(name), [] { return std::make_unique<Transfer>(); }};
+}
+
+template <class Queue>
+QueueContestant queued(std::string name) {
+    return {std::move(name), [](const std::string& url, int count) { return std::make_shared<Queue>(url, count); }};
+}
+
 }  // namespace
 
 std::vector<SmallContestant> smallContestants() {
@@ -24,5 +40,15 @@ std::vector<SmallContestant> smallContestants() {
         small<HttplibThreads>("cpp-httplib"), small<BeastConnections>("Boost.Beast"),       small<QtManager>("Qt network manager"),
     };
 }
+
+std::vector<LargeContestant> largeContestants() {
+    return {
+        large<CurlFileTransfer>("plain libcurl"),    large<TransportFileTransfer>("transport session"),
+        large<HttplibFileTransfer>("cpp-httplib"),   large<BeastFileTransfer>("Boost.Beast"),
+        large<QtFileTransfer>("Qt network manager"),
+    };
+}
+
+std::vector<QueueContestant> queueContestants() { return {queued<QueuedTasks>("transport session")}; }
 
 }  // namespace halvane::bench

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FileTransfer.h"
 #include "HttpContestant.h"
 
 #include <functional>
@@ -14,8 +15,21 @@ struct SmallContestant {
     std::function<std::unique_ptr<HttpContestant>(const std::string& url)> make;
 };
 
-// Who takes part, topic by topic; the first of each list is the measure of the others.
+struct LargeContestant {
+    std::string name;
+    std::function<std::unique_ptr<FileTransfer>()> make;
+};
+
+struct QueueContestant {
+    std::string name;
+    /// Queues so many requests, of which five may run at a time. They end with what it returns.
+    std::function<std::shared_ptr<void>(const std::string& url, int count)> queueRequests;
+};
+
+// Who takes part, topic by topic; where there are ratios, the first of a list is the measure of the others.
 
 [[nodiscard]] std::vector<SmallContestant> smallContestants();
+[[nodiscard]] std::vector<LargeContestant> largeContestants();
+[[nodiscard]] std::vector<QueueContestant> queueContestants();
 
 }  // namespace halvane::bench

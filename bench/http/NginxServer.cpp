@@ -1,9 +1,7 @@
 #include "NginxServer.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include "SilentServer.h"
+
 #include <chrono>
 #include <fstream>
 #include <iterator>
@@ -16,20 +14,6 @@ namespace halvane::bench {
 namespace {
 
 constexpr const char* kProgram = "/usr/sbin/nginx";  // not on everybody's path
-
-/// A port that was free a moment ago.
-int freePort() {
-    const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    auto* const plain = reinterpret_cast<sockaddr*>(&address);
-    const bool bound = ::bind(listener, plain, size) == 0 && ::getsockname(listener, plain, &size) == 0;
-    ::close(listener);
-    if (!bound) throw std::runtime_error("no port is free");
-    return ntohs(address.sin_port);
-}
 
 /// One process, so that there is one to end, and none that changes its user. An uploaded body is written to a file,
 /// because a mere `return` answers before the body has come, and contestants differ in what they make of that.
@@ -87,7 +71,7 @@ NginxServer::NginxServer(std::filesystem::path directory) : directory_(std::move
 }
 
 bool NginxServer::start() {
-    port_ = freePort();
+    port_ = SilentServer().port();  // free until a moment ago
     const std::filesystem::path file = directory_ / "nginx.conf";
     std::ofstream(file) << withReplaced(withReplaced(kConfiguration, "@directory@", directory_.string()), "@port@", std::to_string(port_));
     program_ =
