@@ -45,6 +45,7 @@ bool BeastFileTransfer::download(const std::string& url, const std::filesystem::
     boost::system::error_code error;
     parser.get().body().open(destination.c_str(), beast::file_mode::write, error);
     beast::flat_buffer buffer;
+    buffer.reserve(256UL * 1024);  // it reads as much as has room already
     if (!error) http::read(stream, buffer, parser, error);
     return !error && parser.get().result() == http::status::ok;
 }
