@@ -14,7 +14,10 @@ public:
 
     [[nodiscard]] std::optional<std::uint64_t> length() const override { return file_.size(); }
     std::optional<std::size_t> read(char* buffer, std::size_t capacity) override { return file_.read(buffer, capacity); }
-    bool rewind() override { return file_.seek(0); }
+    bool rewind() override {
+        file_.seek(0);
+        return true;
+    }
 
 private:
     RawFile file_;

@@ -15,7 +15,7 @@ InterruptGuard::InterruptGuard(std::filesystem::path directory) : directory_(std
 
 InterruptGuard::~InterruptGuard() {
     stopped_ = true;
-    ::pthread_kill(thread_.native_handle(), SIGTERM);
+    ::pthread_kill(thread_.native_handle(), SIGINT);
     thread_.join();
 }
 

@@ -50,7 +50,8 @@ void LargeBodies::check(const std::filesystem::path& copy) const {
     bool same = file.size() == kPieces * kPiece;
     for (std::uint64_t i = 0; i < kPieces && same; ++i) {
         std::uint64_t number = 0;
-        same = file.seek(i * kPiece) && file.read(reinterpret_cast<char*>(&number), sizeof number) == sizeof number && number == i;
+        file.seek(i * kPiece);
+        same = file.read(reinterpret_cast<char*>(&number), sizeof number) == sizeof number && number == i;
     }
     if (!same) throw std::runtime_error(copy.string() + " is not what was sent");
 }

@@ -21,21 +21,21 @@ std::uint64_t RawFile::size() const {
 }
 
 std::optional<std::size_t> RawFile::read(char* buffer, std::size_t capacity) {
-    const ssize_t count = ::read(descriptor_, buffer, capacity);
+    const ssize_t count = ::pread(descriptor_, buffer, capacity, position_);
     if (count < 0) return std::nullopt;
+    position_ += count;
     return static_cast<std::size_t>(count);
 }
 
 bool RawFile::write(const char* data, std::size_t size) {
     while (size > 0) {
-        const ssize_t count = ::write(descriptor_, data, size);
+        const ssize_t count = ::pwrite(descriptor_, data, size, position_);
         if (count < 0) return false;
+        position_ += count;
         data += count;
         size -= static_cast<std::size_t>(count);
     }
     return true;
 }
-
-bool RawFile::seek(std::uint64_t position) { return ::lseek(descriptor_, static_cast<off_t>(position), SEEK_SET) >= 0; }
 
 }  // namespace halvane::bench

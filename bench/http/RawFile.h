@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/types.h>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -22,10 +23,11 @@ public:
     /// 0 at the end, absent when reading fails.
     std::optional<std::size_t> read(char* buffer, std::size_t capacity);
     bool write(const char* data, std::size_t size);
-    bool seek(std::uint64_t position);
+    void seek(std::uint64_t position) { position_ = static_cast<off_t>(position); }
 
 private:
     int descriptor_;
+    off_t position_ = 0;
 };
 
 }  // namespace halvane::bench
