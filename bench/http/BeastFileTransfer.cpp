@@ -13,8 +13,9 @@
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/string_body.hpp>
 #include <boost/beast/http/write.hpp>
-#include <boost/none.hpp>
 
+#include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace halvane::bench {
@@ -41,13 +42,14 @@ bool BeastFileTransfer::download(const std::string& url, const std::filesystem::
     http::write(stream, request);
 
     http::response_parser<http::file_body> parser;
-    parser.body_limit(boost::none);
+    parser.body_limit(std::numeric_limits<std::uint64_t>::max());  // it compares lengths with no limit too, and finds them above
     boost::system::error_code error;
     parser.get().body().open(destination.c_str(), beast::file_mode::write, error);
     beast::flat_buffer buffer;
     buffer.reserve(256UL * 1024);  // it reads as much as has room already
-    if (!error) http::read(stream, buffer, parser, error);
-    return !error && parser.get().result() == http::status::ok;
+    if (error) return false;
+    http::read(stream, buffer, parser);
+    return parser.get().result() == http::status::ok;
 }
 
 bool BeastFileTransfer::upload(const std::string& url, const std::filesystem::path& source) {
@@ -60,23 +62,23 @@ bool BeastFileTransfer::upload(const std::string& url, const std::filesystem::pa
     request.set(http::field::host, server.host);
     request.content_length(file.size());
     http::request_serializer<http::buffer_body> serializer(request);
-    boost::system::error_code error;
-    http::write_header(stream, serializer, error);
+    http::write_header(stream, serializer);
     std::vector<char> bytes(512UL * 1024);
-    while (!error && !serializer.is_done()) {
+    while (!serializer.is_done()) {
         const auto count = file.read(bytes.data(), bytes.size());
         if (!count) return false;
         auto& body = request.body();
         body.data = *count > 0 ? bytes.data() : nullptr;
         body.size = *count;
         body.more = *count > 0;
+        boost::system::error_code error;
         http::write(stream, serializer, error);
-        if (error == http::error::need_buffer) error = {};
+        if (error && error != http::error::need_buffer) throw boost::system::system_error(error);
     }
     beast::flat_buffer buffer;
     http::response<http::string_body> response;
-    if (!error) http::read(stream, buffer, response, error);
-    return !error && http::to_status_class(response.result()) == http::status_class::successful;
+    http::read(stream, buffer, response);
+    return http::to_status_class(response.result()) == http::status_class::successful;
 }
 
 }  // namespace halvane::bench

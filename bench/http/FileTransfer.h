@@ -5,7 +5,8 @@
 
 namespace halvane::bench {
 
-/// One way of moving a file that is too large to stand in memory. Blocks. False unless all of it went well.
+/// One way of moving a file that is too large to stand in memory. Blocks. False, or an exception, unless all of it
+/// went well.
 class FileTransfer {
 public:
     virtual ~FileTransfer() = default;
