@@ -10,7 +10,8 @@ namespace halvane::test {
 /// A directory of the test's own, 0700, which goes with this object.
 class TemporaryDirectory {
 public:
-    explicit TemporaryDirectory(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+    TemporaryDirectory() : TemporaryDirectory(std::filesystem::temp_directory_path()) {}
+    explicit TemporaryDirectory(const std::filesystem::path& parent) {
         std::string name = (parent / "halvane-test-XXXXXX").string();
         if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make " + name);
         path_ = name;
