@@ -10,6 +10,7 @@
 #include "QtFileTransfer.h"
 #include "QtManager.h"
 #include "QueuedTasks.h"
+#include "RequestCenter.h"
 #include "TransportFileTransfer.h"
 #include "TransportSession.h"
 
@@ -36,8 +37,10 @@ QueueContestant queued(std::string name) {
 
 std::vector<SmallContestant> smallContestants() {
     return {
-        small<PlainCurl>("plain libcurl"),    small<TransportSession>("transport session"), small<HttpClient>("HTTP client"),
-        small<HttplibThreads>("cpp-httplib"), small<BeastConnections>("Boost.Beast"),       small<QtManager>("Qt network manager"),
+        small<PlainCurl>("plain libcurl"),      small<TransportSession>("transport session"),
+        small<RequestCenter>("request center"), small<RequestLayerCenter>("request layer"),
+        small<HttpClient>("HTTP client"),       small<HttplibThreads>("cpp-httplib"),
+        small<BeastConnections>("Boost.Beast"), small<QtManager>("Qt network manager"),
     };
 }
 

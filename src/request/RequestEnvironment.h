@@ -13,6 +13,7 @@ namespace halvane::request {
 inline constexpr const char* kCompletionQueueName = "com.halvane.request.completion.callback.queue";
 
 /// What engines and centers need of the outside. A value; who makes an engine or a center of it shares what it points to.
+/// Its queues must bear being destroyed by a block of their own: the last to hold a center may be a result that is told.
 struct RequestEnvironment {
     std::shared_ptr<platform::HttpTransport> transport;
     std::shared_ptr<platform::DispatchQueue> completionQueue;  ///< concurrent, one for the process

@@ -124,7 +124,7 @@ void NetworkLoop::watchIdleTimes() {
 
 void NetworkLoop::sleep() {
     constexpr std::chrono::milliseconds kLongest = std::chrono::hours(1);
-    auto longest = kLongest;
+    auto longest = board_->watchDelivery(now_).value_or(kLongest);
     for (const auto& transfer : running_) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(transfer->deadline() - now_);
         longest = std::clamp(left, std::chrono::milliseconds(0), longest);

@@ -36,7 +36,7 @@ std::shared_ptr<CurlTask> TaskBoard::add(platform::HttpRequest request, CurlTask
     tasks_.emplace_hint(tasks_.end(), lastIdentifier_, task);
     if (!invalid_) return task;
     endLocked(*task, {.error = cancelledError()});
-    const Afterwards afterwards = claimLocked();
+    const Afterwards afterwards = claimForeignLocked();
     lock.unlock();
     perform(afterwards);
     return task;
@@ -47,7 +47,7 @@ void TaskBoard::resume(CurlTask& task) {
     if (task.state_ != CurlTask::State::Suspended) return;
     task.state_ = CurlTask::State::Waiting;
     waiting_.push_back(task.shared_from_this());
-    const Afterwards afterwards = claimLocked();
+    const Afterwards afterwards = claimForeignLocked();
     lock.unlock();
     perform(afterwards);
 }
@@ -57,7 +57,7 @@ void TaskBoard::cancel(CurlTask& task) {
     const auto kept = task.shared_from_this();
     std::unique_lock lock(mutex_);
     cancelLocked(task);
-    const Afterwards afterwards = claimLocked();
+    const Afterwards afterwards = claimForeignLocked();
     lock.unlock();
     perform(afterwards);
 }
@@ -100,7 +100,7 @@ std::shared_ptr<platform::HttpTask> TaskBoard::task(unsigned long identifier) co
 void TaskBoard::setLimit(int limit) {
     std::unique_lock lock(mutex_);
     limit_ = asLimit(limit);
-    const Afterwards afterwards = claimLocked();
+    const Afterwards afterwards = claimForeignLocked();
     lock.unlock();
     perform(afterwards);
 }
@@ -110,7 +110,7 @@ void TaskBoard::invalidate() {
     invalid_ = true;
     waiting_.clear();
     for (const auto& [identifier, task] : tasks_) cancelLocked(*task);
-    const Afterwards afterwards = claimLocked();
+    const Afterwards afterwards = claimForeignLocked();
     lock.unlock();
     perform(afterwards);
 }
@@ -119,7 +119,7 @@ void TaskBoard::close() {
     invalidate();
     std::unique_lock lock(mutex_);
     closed_ = true;
-    const Afterwards afterwards = claimLocked();
+    const Afterwards afterwards = claimForeignLocked();
     lock.unlock();
     perform(afterwards);
 }
@@ -186,8 +186,17 @@ void TaskBoard::putLocked(CurlTask& task) {
 
 TaskBoard::Afterwards TaskBoard::claimLocked() {
     const bool startable = !waiting_.empty() && running_ < limit_;
-    return {.post = !mailbox_.empty() && !std::exchange(blockOnItsWay_, true),
-            .wake = (startable || !cancels_.empty() || closed_) && sleeping_.exchange(false, std::memory_order_relaxed)};
+    // Without a network thread nobody watches: every block posts the next one before it calls anybody.
+    const bool postable = !mailbox_.empty() && !blockOnItsWay_ && (delivering_ == 0 || closed_);
+    blockOnItsWay_ = blockOnItsWay_ || postable;
+    return {.post = postable, .wake = (startable || !cancels_.empty() || closed_) && sleeping_.exchange(false, std::memory_order_relaxed)};
+}
+
+TaskBoard::Afterwards TaskBoard::claimForeignLocked() {
+    Afterwards afterwards = claimLocked();
+    const bool unwatched = !mailbox_.empty() && !blockOnItsWay_ && !watch_;
+    afterwards.wake = afterwards.wake || (unwatched && sleeping_.exchange(false, std::memory_order_relaxed));
+    return afterwards;
 }
 
 void TaskBoard::perform(Afterwards afterwards) {
@@ -197,16 +206,35 @@ void TaskBoard::perform(Afterwards afterwards) {
     if (const auto queue = queue_.lock()) queue->async([self = shared_from_this()] { self->deliver(); });
 }
 
+std::optional<std::chrono::milliseconds> TaskBoard::watchDelivery(std::chrono::steady_clock::time_point now) {
+    constexpr std::chrono::milliseconds kShortest{1};
+    constexpr std::chrono::milliseconds kLongest{128};  // behind a queue that does not run at all
+    std::unique_lock lock(mutex_);
+    if (mailbox_.empty()) {
+        watch_.reset();
+        return std::nullopt;
+    }
+    if (!watch_ || watch_->delivered != delivered_) watch_ = Watch{delivered_, now, kShortest};
+    if (now - watch_->since < watch_->patience) return watch_->patience;
+    watch_->since = now;
+    watch_->patience = std::min(2 * watch_->patience, kLongest);
+    const auto again = watch_->patience;
+    const bool stuck = !std::exchange(blockOnItsWay_, true);
+    lock.unlock();
+    perform({.post = stuck});
+    return again;
+}
+
 void TaskBoard::deliver() {
     constexpr int kMostPerBlock = 64;  // others want the queue too
     {
         const std::lock_guard lock(mutex_);
         blockOnItsWay_ = false;
+        ++delivering_;
     }
-    for (int i = 0; i < kMostPerBlock; ++i) {
-        if (!deliverOne()) return;
-    }
+    for (int i = 0; i < kMostPerBlock && deliverOne(); ++i) continue;
     std::unique_lock lock(mutex_);
+    --delivering_;
     const Afterwards afterwards = claimLocked();
     lock.unlock();
     perform(afterwards);
@@ -217,6 +245,7 @@ bool TaskBoard::deliverOne() {
     if (mailbox_.empty()) return false;
     const std::shared_ptr<CurlTask> task = std::move(mailbox_.front());
     mailbox_.pop_front();
+    ++delivered_;
     CurlTask::Events events = std::exchange(task->events_, {});
     if (events.outcome) {
         task->state_ = CurlTask::State::Delivered;

@@ -3,10 +3,13 @@
 #include "linux/http/CurlTask.h"
 
 #include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace halvane::linux_http {
@@ -15,9 +18,10 @@ namespace halvane::linux_http {
 /// Callers hand tasks in; the network thread takes those that may run, in order, and hands outcomes back;
 /// they wait in the mailbox until a block on the result queue reports them.
 ///
-/// A block is posted only when none is on its way, so that completions which arrive together cost one
-/// handing over. A block that finds more than one task posts the next before it calls anybody: on a
-/// concurrent queue no completion then waits for another one's callback. One task is reported by one block at a time.
+/// One block reports what has gathered, and what comes meanwhile: waking a thread of the queue for each completion costs as
+/// much as the rest of it. On a concurrent queue no completion waits long for another one's callback, though: where nothing was
+/// taken for a millisecond although something waits, the network thread posts a further block. One task is reported by one
+/// block at a time.
 class TaskBoard : public std::enable_shared_from_this<TaskBoard> {
 public:
     /// `queue` is kept alive by the session and its thread.
@@ -50,6 +54,8 @@ public:
     };
     /// Fills `work`; false when there is none, and then every later change wakes the thread.
     bool takeWork(Work& work);
+    /// Posts a further block where the delivery is stuck. Answers when to look again at the latest; absent: no need.
+    std::optional<std::chrono::milliseconds> watchDelivery(std::chrono::steady_clock::time_point now);
     /// Readable when the thread has to wake up.
     [[nodiscard]] int wakeDescriptor() const { return wakeDescriptor_; }
     /// The thread is awake, whether the descriptor woke it or something else: nobody needs to wake it.
@@ -72,6 +78,8 @@ private:
     void putLocked(CurlTask& task);
     /// Claims what is needed and not on its way yet: the claimer does it.
     [[nodiscard]] Afterwards claimLocked();
+    /// As above, after a change by another thread than the network's, which may have to begin to watch the delivery.
+    [[nodiscard]] Afterwards claimForeignLocked();
     void perform(Afterwards afterwards);
     void deliver();
     /// False when the mailbox is empty.
@@ -91,7 +99,17 @@ private:
     std::size_t running_ = 0;
     bool invalid_ = false;
     bool closed_ = false;
-    bool blockOnItsWay_ = false;
+    bool blockOnItsWay_ = false;  ///< posted and not begun
+    int delivering_ = 0;          ///< blocks that have begun
+    std::uint64_t delivered_ = 0;
+
+    /// What the network thread saw of the mailbox when it last looked; absent while it need not look.
+    struct Watch {
+        std::uint64_t delivered;
+        std::chrono::steady_clock::time_point since;
+        std::chrono::milliseconds patience;
+    };
+    std::optional<Watch> watch_;
 };
 
 }  // namespace halvane::linux_http
