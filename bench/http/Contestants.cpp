@@ -3,14 +3,17 @@
 #include "BeastConnections.h"
 #include "BeastFileTransfer.h"
 #include "CurlFileTransfer.h"
+#include "CurlFormTransfer.h"
 #include "HttpClient.h"
 #include "HttplibFileTransfer.h"
 #include "HttplibThreads.h"
 #include "PlainCurl.h"
 #include "QtFileTransfer.h"
 #include "QtManager.h"
+#include "QueuedCenterRequests.h"
 #include "QueuedTasks.h"
 #include "RequestCenter.h"
+#include "RequestLayerTransfer.h"
 #include "TransportFileTransfer.h"
 #include "TransportSession.h"
 
@@ -44,14 +47,21 @@ std::vector<SmallContestant> smallContestants() {
     };
 }
 
-std::vector<LargeContestant> largeContestants() {
-    return {
+std::vector<LargeContestant> largeContestants(TransferDirection direction) {
+    if (direction == TransferDirection::Form) {
+        return {large<CurlFormTransfer>("plain libcurl"), large<RequestLayerTransfer>("request layer")};
+    }
+    std::vector<LargeContestant> all = {
         large<CurlFileTransfer>("plain libcurl"),    large<TransportFileTransfer>("transport session"),
         large<HttplibFileTransfer>("cpp-httplib"),   large<BeastFileTransfer>("Boost.Beast"),
         large<QtFileTransfer>("Qt network manager"),
     };
+    if (direction == TransferDirection::Download) all.insert(all.begin() + 2, large<RequestLayerTransfer>("request layer"));
+    return all;
 }
 
-std::vector<QueueContestant> queueContestants() { return {queued<QueuedTasks>("transport session")}; }
+std::vector<QueueContestant> queueContestants() {
+    return {queued<QueuedTasks>("transport session"), queued<QueuedCenterRequests>("request center")};
+}
 
 }  // namespace halvane::bench

@@ -2,6 +2,7 @@
 
 #include "FileTransfer.h"
 #include "HttpContestant.h"
+#include "TransferCost.h"
 
 #include <functional>
 #include <memory>
@@ -29,7 +30,7 @@ struct QueueContestant {
 // Who takes part, topic by topic; where there are ratios, the first of a list is the measure of the others.
 
 [[nodiscard]] std::vector<SmallContestant> smallContestants();
-[[nodiscard]] std::vector<LargeContestant> largeContestants();
+[[nodiscard]] std::vector<LargeContestant> largeContestants(TransferDirection direction);
 [[nodiscard]] std::vector<QueueContestant> queueContestants();
 
 }  // namespace halvane::bench

@@ -34,9 +34,13 @@ LargeBodies::LargeBodies(const NginxServer& server, std::filesystem::path direct
 }
 
 TransferCost LargeBodies::transfer(const LargeContestant& contestant, TransferDirection direction) const {
+    if (direction == TransferDirection::Form) {
+        ChildProgram child({program_.string(), "--transfer", contestant.name, nameOf(direction), sink_.url(), source_.string()});
+        return TransferCost::fromText(child.finish());
+    }
     const bool isDownload = direction == TransferDirection::Download;
     const auto copy = isDownload ? directory_ / "downloaded" : server_.publicDirectory() / "upload" / "large";
-    ChildProgram child({program_.string(), "--transfer", contestant.name, isDownload ? "download" : "upload",
+    ChildProgram child({program_.string(), "--transfer", contestant.name, nameOf(direction),
                         server_.fileUrl(isDownload ? "large" : "upload/large"), (isDownload ? copy : source_).string()});
     const TransferCost cost = TransferCost::fromText(child.finish());
     check(copy);
@@ -57,14 +61,15 @@ void LargeBodies::check(const std::filesystem::path& copy) const {
 }
 
 void LargeBodies::run(TransferDirection direction, const char* title) const {
-    std::vector<Row> rows(contestants_.size());
+    const auto contestants = largeContestants(direction);
+    std::vector<Row> rows(contestants.size());
     // Who is the first to touch memory pays for it, above all on a virtual machine, which asks its host.
-    std::ignore = transfer(contestants_.front(), direction);
+    std::ignore = transfer(contestants.front(), direction);
     for (int round = 0; round < rounds_; ++round) {
         for (std::size_t turn = 0; turn < rows.size(); ++turn) {
             const std::size_t i = round % 2 == 0 ? turn : rows.size() - 1 - turn;
-            const TransferCost cost = transfer(contestants_[i], direction);
-            rows[i].name = contestants_[i].name;
+            const TransferCost cost = transfer(contestants[i], direction);
+            rows[i].name = contestants[i].name;
             rows[i].seconds.add(cost.seconds);
             rows[i].processorSeconds.add(cost.processorSeconds);
             rows[i].growth.add(cost.memoryGrowth);

@@ -3,6 +3,7 @@
 #include "Contestants.h"
 #include "NginxServer.h"
 #include "Samples.h"
+#include "SinkServer.h"
 #include "TransferCost.h"
 
 #include <filesystem>
@@ -34,8 +35,8 @@ private:
     [[nodiscard]] TransferCost transfer(const LargeContestant& contestant, TransferDirection direction) const;
     void check(const std::filesystem::path& copy) const;
 
-    const std::vector<LargeContestant> contestants_ = largeContestants();
     const NginxServer& server_;
+    const SinkServer sink_;  ///< for forms
     const std::filesystem::path directory_;
     const std::filesystem::path program_;
     const std::filesystem::path source_;

@@ -14,6 +14,7 @@ public:
     SilentServer& operator=(const SilentServer&) = delete;
 
     [[nodiscard]] int port() const { return port_; }
+    [[nodiscard]] int descriptor() const { return listener_; }
     [[nodiscard]] std::string url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/api/v1/user/info"; }
 
 private:

@@ -25,9 +25,28 @@ double memory(const std::string& name) {
 
 }  // namespace
 
+std::string nameOf(TransferDirection direction) {
+    switch (direction) {
+        case TransferDirection::Download:
+            return "download";
+        case TransferDirection::Upload:
+            return "upload";
+        case TransferDirection::Form:
+            return "form";
+    }
+    return {};
+}
+
+TransferDirection directionOf(const std::string& name) {
+    for (const auto direction : {TransferDirection::Download, TransferDirection::Upload, TransferDirection::Form}) {
+        if (nameOf(direction) == name) return direction;
+    }
+    throw std::runtime_error("there is no direction " + name);
+}
+
 TransferCost TransferCost::measure(const std::string& contestant, TransferDirection direction, const std::string& url,
                                    const std::string& file) {
-    const auto entries = largeContestants();
+    const auto entries = largeContestants(direction);
     const auto entry = std::ranges::find(entries, contestant, &LargeContestant::name);
     if (entry == entries.end()) throw std::runtime_error("there is no contestant " + contestant);
     std::ofstream("/proc/self/clear_refs") << "5";  // the peak begins here, not with loading the program

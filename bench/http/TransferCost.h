@@ -5,7 +5,13 @@
 
 namespace halvane::bench {
 
-enum class TransferDirection : std::uint8_t { Download, Upload };
+/// A form is an upload as one part of several, by POST.
+enum class TransferDirection : std::uint8_t { Download, Upload, Form };
+
+/// "download", "upload" or "form".
+std::string nameOf(TransferDirection direction);
+/// Throws std::runtime_error for another name.
+TransferDirection directionOf(const std::string& name);
 
 /// What moving one file has cost the process that did it.
 struct TransferCost {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "FileBody.h"
 #include "FileTransfer.h"
 #include "HttpQueue.h"
 #include "linux/http/CurlTransport.h"
@@ -27,7 +26,7 @@ public:
         std::promise<bool> ended;
         session_
             ->dataTask(
-                {.method = "PUT", .url = url, .bodyStream = std::make_shared<FileBody>(source)},
+                {.method = "PUT", .url = url, .bodyStream = *linux_http::CurlTransport().fileBody(source)},
                 {.onCompletion =
                      [&](const platform::HttpDataResult& result) { ended.set_value(!result.error && result.response->isSuccess()); }})
             ->resume();

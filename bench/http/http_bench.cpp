@@ -46,13 +46,13 @@ void compare(const Rounds& rounds) {
     const LargeBodies large(server, directory.path(), std::filesystem::canonical("/proc/self/exe"), rounds.large);
     large.run(TransferDirection::Download, "download to a file");
     large.run(TransferDirection::Upload, "upload from a file");
+    large.run(TransferDirection::Form, "upload of a form with a file");
     constexpr int kQueued = 10'000;
     QueuedRequests::run(kQueued);
 }
 
 void transfer(const std::vector<std::string>& arguments) {
-    const auto direction = arguments[3] == "upload" ? TransferDirection::Upload : TransferDirection::Download;
-    std::fputs(TransferCost::measure(arguments[2], direction, arguments[4], arguments[5]).text().c_str(), stdout);
+    std::fputs(TransferCost::measure(arguments[2], directionOf(arguments[3]), arguments[4], arguments[5]).text().c_str(), stdout);
 }
 
 }  // namespace
@@ -60,7 +60,7 @@ void transfer(const std::vector<std::string>& arguments) {
 }  // namespace halvane::bench
 
 /// halvane_http_bench [ROUNDS [REQUESTS [LARGE_ROUNDS]]]
-/// halvane_http_bench --transfer CONTESTANT download|upload URL FILE: how it runs itself
+/// halvane_http_bench --transfer CONTESTANT download|upload|form URL FILE: how it runs itself
 int main(int argc, char** argv) {
     using namespace halvane::bench;
     const QCoreApplication application(argc, argv);
