@@ -36,7 +36,7 @@ endif()
 function(halvane_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
   add_library(halvane_${name} STATIC ${ARG_SOURCES})
-  target_include_directories(halvane_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_include_directories(halvane_${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>)
   target_link_libraries(halvane_${name} PUBLIC ${ARG_PUBLIC} PRIVATE $<BUILD_INTERFACE:halvane_warnings> ${ARG_PRIVATE})
 endfunction()
 

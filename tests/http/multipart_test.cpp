@@ -85,7 +85,8 @@ TEST_F(MultipartTest, without_a_part_it_is_a_request_without_parameters) {
     const auto form = serializer.multipartFormRequest("POST", "http://h/u", Dictionary{}, emptyForm(), nothing);
     EXPECT_EQ(*form->headers.find("Content-Type"), "application/x-www-form-urlencoded");
     EXPECT_EQ(form->bodyStream, nullptr);
-    const auto json = JsonRequestSerializer(platform::HttpHeaders()).multipartFormRequest("POST", "http://h/u", std::nullopt, emptyForm(), nothing);
+    const auto json =
+        JsonRequestSerializer(platform::HttpHeaders()).multipartFormRequest("POST", "http://h/u", std::nullopt, emptyForm(), nothing);
     EXPECT_EQ(json->headers.find("Content-Type"), nullptr);
 }
 
