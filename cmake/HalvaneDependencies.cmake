@@ -1,7 +1,7 @@
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 find_package(OpenSSL 3 REQUIRED)
-find_package(CURL 7.88 REQUIRED)
+find_package(CURL 7.87 REQUIRED)
 find_package(fmt REQUIRED)
 find_package(pugixml REQUIRED)
 pkg_check_modules(JSON REQUIRED IMPORTED_TARGET nlohmann_json)

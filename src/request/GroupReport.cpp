@@ -16,19 +16,19 @@ void GroupReport::clear() {
     gone.swap(callbacks_);
 }
 
-std::shared_ptr<const XMGroupCallbacks> GroupReport::current() const {
+std::shared_ptr<const XMGroupCallbacks> GroupReport::callbacks() const {
+    static const auto none = std::make_shared<const XMGroupCallbacks>();
     const std::lock_guard lock(mutex_);
-    return callbacks_;
+    return callbacks_ ? callbacks_ : none;
 }
 
 void GroupReport::tell(Outcome outcome, const XMResults& results) {
-    if (const auto callbacks = current()) {
-        const bool succeeded = outcome == Outcome::Succeeded;
-        if (const auto& told = succeeded ? callbacks->onSuccess : callbacks->onFailure) told(results);
-        if (callbacks->onFinished && current() == callbacks) {
-            const std::optional<XMResults> given(results);
-            callbacks->onFinished(succeeded ? given : std::nullopt, succeeded ? std::nullopt : given);
-        }
+    const auto told = callbacks();
+    const bool succeeded = outcome == Outcome::Succeeded;
+    if (const auto& one = succeeded ? told->onSuccess : told->onFailure) one(results);
+    if (told->onFinished && callbacks() == told) {
+        const std::optional<XMResults> given(results);
+        told->onFinished(succeeded ? given : std::nullopt, succeeded ? std::nullopt : given);
     }
     clear();
 }

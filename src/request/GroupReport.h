@@ -12,13 +12,13 @@ namespace halvane::request {
 class GroupReport {
 public:
     void set(XMGroupCallbacks callbacks);
+    /// Those that will be told; never null.
+    [[nodiscard]] std::shared_ptr<const XMGroupCallbacks> callbacks() const;
     void clear();
     /// Success or failure first, then finished unless that has cleared it; then nobody is told any more.
     void tell(Outcome outcome, const XMResults& results);
 
 private:
-    [[nodiscard]] std::shared_ptr<const XMGroupCallbacks> current() const;
-
     mutable std::mutex mutex_;  // guards callbacks_, never held while one runs
     std::shared_ptr<const XMGroupCallbacks> callbacks_;
 };

@@ -36,6 +36,10 @@ public:
 
     void cleanCallbackBlocks() { report_.clear(); }
 
+    [[nodiscard]] XMResultsBlock batchSuccessBlock() const { return report_.callbacks()->onSuccess; }
+    [[nodiscard]] XMResultsBlock batchFailureBlock() const { return report_.callbacks()->onFailure; }
+    [[nodiscard]] XMGroupFinishedBlock batchFinishedBlock() const { return report_.callbacks()->onFinished; }
+
 private:
     friend class XMCenter;
 

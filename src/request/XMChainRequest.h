@@ -45,6 +45,10 @@ public:
 
     void cleanCallbackBlocks();
 
+    [[nodiscard]] XMResultsBlock chainSuccessBlock() const { return report_.callbacks()->onSuccess; }
+    [[nodiscard]] XMResultsBlock chainFailureBlock() const { return report_.callbacks()->onFailure; }
+    [[nodiscard]] XMGroupFinishedBlock chainFinishedBlock() const { return report_.callbacks()->onFinished; }
+
 private:
     friend class XMCenter;
 

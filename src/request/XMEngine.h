@@ -59,7 +59,8 @@ public:
     // The three below count for connections that are opened from then on: call them before the first request.
 
     /// From now on, requests to any host of the address's root domain ("https://a.b.c" registers b.c) use the pinned
-    /// session. Other addresses than of https are ignored.
+    /// session. Other addresses than of https are ignored. A name beyond ASCII has to be given in its ASCII form, as every
+    /// address that can be sent has it.
     void addSSLPinningURL(const std::string& url);
     /// DER. A server of the pinned session must have this certificate, or one that it has signed, or another one that was
     /// added; while there is none, pinned hosts are refused.

@@ -75,12 +75,15 @@ struct XMCallbacks {
 using XMResult = std::variant<std::monostate, ResponseObject, util::Error>;
 using XMResults = std::vector<XMResult>;
 
+using XMResultsBlock = std::function<void(const XMResults&)>;
+using XMGroupFinishedBlock = std::function<void(const std::optional<XMResults>&, const std::optional<XMResults>&)>;
+
 /// What a caller gives along with a batch or chain. Success and failure get all results, in order; finished gets them
 /// first for a success, second for a failure.
 struct XMGroupCallbacks {
-    std::function<void(const XMResults&)> onSuccess;
-    std::function<void(const XMResults&)> onFailure;
-    std::function<void(const std::optional<XMResults>&, const std::optional<XMResults>&)> onFinished;
+    XMResultsBlock onSuccess;
+    XMResultsBlock onFailure;
+    XMGroupFinishedBlock onFinished;
 };
 
 }  // namespace halvane::request

@@ -25,7 +25,8 @@ using CText = std::unique_ptr<char, FreeText>;
 constexpr int kMaxDepth = 512;
 constexpr std::size_t kLargestBinary = 128 * 1024;  // no room in it for more levels than a stack has
 
-/// Where the mark-up that begins at `start` ends: one past it. What stands in comments, CDATA and quotes is no tag.
+/// Where the mark-up that begins at `start` ends: one past it. What stands in comments, CDATA and double quotes (the only
+/// ones that the library knows) is no tag.
 std::size_t endOfMarkup(std::string_view xml, std::size_t start) {
     const std::string_view rest = xml.substr(start);
     const auto behind = [&](std::string_view mark) {
@@ -37,7 +38,7 @@ std::size_t endOfMarkup(std::string_view xml, std::size_t start) {
     if (rest.starts_with("<?")) return behind("?>");
     for (std::size_t at = start; at < xml.size(); ++at) {
         if (xml[at] == '>') return at + 1;
-        if (xml[at] == '"' || xml[at] == '\'') at = std::min(xml.find(xml[at], at + 1), xml.size());
+        if (xml[at] == '"') at = std::min(xml.find('"', at + 1), xml.size());
     }
     return xml.size();
 }

@@ -87,7 +87,7 @@ bool isSendableUrl(std::string_view url) {
 std::optional<UrlOrigin> originOf(const std::string& url) {
     const UrlHandle handle = parsed(url);
     if (!handle) return std::nullopt;
-    UrlOrigin origin{part(handle, CURLUPART_SCHEME), lowercasedAscii(part(handle, CURLUPART_HOST, CURLU_PUNYCODE)),
+    UrlOrigin origin{part(handle, CURLUPART_SCHEME), lowercasedAscii(part(handle, CURLUPART_HOST)),
                      part(handle, CURLUPART_PORT, CURLU_DEFAULT_PORT)};
     if (origin.host.starts_with('[') && origin.host.ends_with(']')) origin.host = origin.host.substr(1, origin.host.size() - 2);
     if (origin.host.ends_with('.')) origin.host.pop_back();

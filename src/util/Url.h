@@ -8,7 +8,7 @@ namespace halvane::util {
 
 /// Addresses of http and https. The door to libcurl's URL interface. Any thread.
 
-/// Where a URL points to; `host` in lower case as it goes over the wire (punycode), IPv6 addresses without brackets.
+/// Where a URL points to; `host` in lower case, IPv6 addresses without brackets.
 struct UrlOrigin {
     std::string scheme;
     std::string host;

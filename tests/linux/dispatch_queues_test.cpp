@@ -1,11 +1,11 @@
 #include "linux/base/AsioDispatchQueues.h"
 #include "support/DispatchQueueContract.h"
 #include "support/Eventually.h"
+#include "support/Gate.h"
 #include "support/ManualMainLoop.h"
 #include "support/TemporaryDirectory.h"
 
 #include <atomic>
-#include <condition_variable>
 #include <stdexcept>
 #include <thread>
 
@@ -37,26 +37,7 @@ namespace halvane::linux {
 namespace {
 
 using test::eventually;
-
-/// A door that blocks wait at until the test, or another block, opens it.
-class Gate {
-public:
-    void open() {
-        const std::lock_guard lock(mutex_);
-        open_ = true;
-        opened_.notify_all();
-    }
-    /// False when nobody opened it in time.
-    bool pass() {
-        std::unique_lock lock(mutex_);
-        return opened_.wait_for(lock, std::chrono::seconds(20), [this] { return open_; });
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable opened_;
-    bool open_ = false;
-};
+using test::Gate;
 
 TEST(AsioDispatchQueues, concurrent_queues_run_blocks_at_the_same_time_and_serial_ones_never) {
     AsioDispatchQueues queues(4);

@@ -78,7 +78,7 @@ TEST_F(ConsoleLogTest, no_secret_reaches_it) {
     const std::string json = R"({"user":{"password":"s3cr3t"},"token":"s3cr3t"})";
     for (const auto type : {XMResponseSerializerRAW, XMResponseSerializerJSON, XMResponseSerializerXML}) {
         center->sendRequest([&](XMRequest& request) {
-            request.url = "http://name:" + secret + "@h/p?x=1&access_token=" + secret + "&pass%77ord=" + secret;
+            request.url = "http://name:" + secret + "@h/p?x=1&access_token=" + secret + "&pass%77ord=" + secret + "#" + secret;
             request.parameters = Dictionary{{"password", secret}, {"rows", Value::List{Dictionary{{"Token", secret}}}}};
             request.responseSerializerType = type;
         });

@@ -171,6 +171,7 @@ TEST_F(GroupTest, callbacks_may_come_back_to_the_center_and_clear_what_calls_the
     center->sendBatchRequest([&](XMBatchRequest& batch) { batch.requestArray = {requestTo("http://h/0")}; },
                              {.onSuccess = [&](const XMResults&) {
                                  kept = batchOf(center->getRequest("BC1"));
+                                 EXPECT_TRUE(kept->batchSuccessBlock() && !kept->batchFinishedBlock());
                                  kept->cleanCallbackBlocks();
                                  center->cancelRequest("BC1");
                                  center->sendRequest(to("http://h/next"));
@@ -193,6 +194,62 @@ TEST_F(GroupTest, callbacks_may_come_back_to_the_center_and_clear_what_calls_the
     EXPECT_EQ(heard(), Events());
 }
 
+TEST_F(GroupTest, clearing_in_a_callback_silences_the_next_and_a_member_may_be_sent_again) {
+    const auto member = requestTo("http://h/0");
+    std::shared_ptr<XMBatchRequest> first;
+    center->sendBatchRequest(
+        [&](XMBatchRequest& batch) {
+            batch.requestArray = {member, member};
+        },
+        {.onFailure =
+             [&](const XMResults& results) {
+                 events.push_back("failure " + shown(results));
+                 batchOf(center->getRequest("BC1"))->cleanCallbackBlocks();
+                 center->sendBatchRequest([&](XMBatchRequest& batch) { batch.requestArray = {member}; }, loggingGroup());
+             },
+         .onFinished = [&](const auto&, const auto&) { events.push_back("finished"); }});
+    EXPECT_EQ(sentCount(), 1U) << "one that stands there twice counts once";
+    transport->fail(0, UrlError::TimedOut);
+    EXPECT_EQ(heard(), Events{"failure [-1001]"});
+    transport->replyJson(1, "1");
+    EXPECT_EQ(heard(), (Events{"success [1]", "finished [1] -"}));
+}
+
+TEST_F(GroupTest, a_group_is_cancelled_where_it_runs) {
+    const auto other = std::make_shared<XMEngine>(environment());
+    center->sendBatchRequest(members({"http://h/0"}), loggingGroup());
+    center->setupConfig([&](XMConfig& config) { config.engine = other; });
+    center->sendRequest(to("http://h/same-number"), logging("single"));
+    center->cancelRequest("BC1");
+    EXPECT_EQ(heard(), (Events{"failure [-999]", "finished - [-999]"}));
+    EXPECT_NE(center->getRequest("+1").index(), 0U);
+}
+
+TEST_F(GroupTest, the_center_may_be_destroyed_while_it_sends) {
+    for (int which = 0; which < 4; ++which) {
+        auto own = XMCenter::center(environment(), engine);
+        switch (which) {
+            case 0:
+                own->setupConfig([&](XMConfig&) { own.reset(); });
+                break;
+            case 1:
+                own->sendRequest([&](XMRequest& request) { request.url = "http://h/p", own.reset(); }, logging());
+                break;
+            case 2:
+                own->sendBatchRequest([&](XMBatchRequest& batch) { batch.requestArray = {requestTo("http://h/p")}, own.reset(); },
+                                      loggingGroup());
+                break;
+            default:
+                own->setRequestProcessBlock([&](XMRequest&) { own.reset(); });
+                own->sendChainRequest(steps(1), loggingGroup());
+        }
+        EXPECT_EQ(own, nullptr);
+    }
+    for (std::size_t i = 0; i < sentCount(); ++i) transport->replyJson(i, "0");
+    EXPECT_EQ(sentCount(), 3U);
+    EXPECT_EQ(heard(), Events());
+}
+
 TEST_F(GroupTest, nothing_is_kept_of_what_has_ended_or_will_never) {
     auto held = std::make_shared<int>(1);
     const XMGroupCallbacks holding{.onFinished = [held](const auto&, const auto&) {}};
@@ -208,6 +265,16 @@ TEST_F(GroupTest, nothing_is_kept_of_what_has_ended_or_will_never) {
         holding);
     EXPECT_EQ(heard(), Events());
     center->cancelRequest(silent);
+    center->sendBatchRequest(
+        [](XMBatchRequest& batch) {
+            batch.requestArray = {requestTo("http://h/0")};
+            batch.requestArray[0]->retryCount = 1;
+        },
+        holding);
+    transport->fail(2, UrlError::TimedOut);
+    EXPECT_EQ(background->waiting(), 1U);
+    center.reset();
+    background->advance(2s);  // as a queue that ends drops it
     transport->exchanges.clear();
     EXPECT_EQ(held.use_count(), 2) << "held here and by the callbacks that were handed in";
 }

@@ -1,5 +1,6 @@
 #include "util/KeyedArchive.h"
 #include "util/PropertyList.h"
+#include "util/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -33,6 +34,8 @@ Bytes nested(int levels) {
 TEST(PropertyList, as_deep_as_anything_real_is_read) { EXPECT_TRUE(PropertyList::decode("<plist>" + nested(500) + "</plist>")); }
 
 TEST(PropertyList, refuses_damage_without_noise) {
+    std::string ends;
+    for (int i = 0; i < 300'000; ++i) ends += "</array>";
     const Bytes whole = PropertyList::encode(Dictionary{{"k", "v"}});
     const std::pair<const char*, Bytes> rows[] = {
         {"empty", ""},
@@ -41,6 +44,11 @@ TEST(PropertyList, refuses_damage_without_noise) {
         {"binary header only", "bplist00"},
         {"html", "<html><body>no</body></html>"},
         {"deeper than any stack", "<plist>" + nested(300'000) + "</plist>"},
+        {"deep behind a comment of ends", "<plist><!--" + ends + "-->" + nested(300'000) + "</plist>"},
+        {"deep behind CDATA of ends", "<plist><string><![CDATA[" + ends + "]]></string>" + nested(300'000) + "</plist>"},
+        {"deep with attributes that look like ends", "<plist>" + replaced(nested(300'000), "<array>", "<array x=\"/>\">") + "</plist>"},
+        {"deep behind a single quote", "<plist><array x='>" + nested(300'000) + "</array></plist>"},
+        {"more ends than beginnings", "<plist></array><array/></plist>"},
         {"binary and large", "bplist00" + Bytes(200'000, '\xA1')},
     };
     for (const auto& [name, bytes] : rows) {

@@ -46,8 +46,18 @@ TEST(Url, references_resolve_as_the_standard_lists_them) {
     for (const char* reference : {"g:h", "a b", "\xC3\xA9", "%zz", "http://", "ftp://h/x"}) {
         EXPECT_EQ(resolvedReference("http://a/b", reference), std::nullopt) << reference;
     }
+    EXPECT_EQ(resolvedReference("http://h/a/#x/y", "b"), "http://h/a/b");
+    EXPECT_EQ(resolvedReference("http://h/a/#f", "?q=1"), "http://h/a/?q=1");
     EXPECT_EQ(resolvedReference("no server", "g"), std::nullopt);
     EXPECT_EQ(resolvedReference("no server", "https://h/x"), "https://h/x");
+}
+
+TEST(Url, no_host_hides_behind_escapes) {
+    // These would be mapped to "api.corp.example" on the way, past whoever looks for that name.
+    for (const char* url : {"https://api.%EF%BD%83orp.example/", "https://api.corp%C2%AD.example/", "https://user@api%2Ecorp.example/"}) {
+        EXPECT_FALSE(isSendableUrl(url)) << url;
+    }
+    EXPECT_TRUE(isSendableUrl("https://us%20er@corp.example/a%20b"));
 }
 
 TEST(Url, a_path_becomes_a_directory_unless_the_text_ends_in_a_slash) {
