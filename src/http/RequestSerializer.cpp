@@ -21,6 +21,8 @@ bool holdsUnwritable(const util::Value& value) {
     return members != nullptr && std::ranges::any_of(*members, [](const auto& member) { return holdsUnwritable(member.value); });
 }
 
+util::Error unwritableError() { return util::dataError("a parameter is a number that is not finite, or a date beyond the calendar"); }
+
 /// In front of a fragment, behind a query that is there already.
 void addQuery(std::string& url, const std::string& query) {
     if (query.empty()) return;
@@ -34,8 +36,7 @@ void addQuery(std::string& url, const std::string& query) {
 
 util::Result<platform::HttpRequest> RequestSerializer::request(const std::string& method, const std::string& url,
                                                                const std::optional<util::Dictionary>& parameters) const {
-    if (parameters && holdsUnwritable(*parameters))
-        return util::dataError("a parameter is a number that is not finite, or a date beyond the calendar");
+    if (parameters && holdsUnwritable(*parameters)) return unwritableError();
     platform::HttpRequest request{.method = method, .url = url, .headers = headers_, .timeout = timeout_};
     if (carriesParametersInUrl(method)) {
         if (parameters) addQuery(request.url, formEncoded(*parameters));
@@ -48,6 +49,7 @@ util::Result<platform::HttpRequest> RequestSerializer::request(const std::string
 util::Result<platform::HttpRequest> RequestSerializer::multipartFormRequest(
     const std::string& method, const std::string& url, const std::optional<util::Dictionary>& parameters, MultipartFormData form,
     const std::function<void(MultipartFormData&)>& constructBody) const {
+    if (parameters && holdsUnwritable(*parameters)) return unwritableError();
     auto made = request(method, url, std::nullopt);
     if (!made) return made;
     if (parameters) {

@@ -4,7 +4,7 @@
 
 namespace halvane::http {
 
-/// XML bodies, as a tree.
+/// XML bodies, as a tree; an empty one is absent.
 class XmlResponseSerializer final : public ResponseSerializer {
 public:
     XmlResponseSerializer() { setAcceptableContentTypes({"application/xml", "text/xml"}); }

@@ -22,6 +22,18 @@ std::string printedParameters(const std::optional<util::Dictionary>& parameters)
     return parameters ? printedValue(*parameters) : util::printed(std::nullopt);
 }
 
+/// `a=1&token=<redacted>`: the values of secret fields covered.
+std::string coveredFields(std::string_view form) {
+    std::string covered;
+    for (const std::string& field : util::split(form, '&')) {
+        const auto equals = field.find('=');
+        const bool secret = equals != std::string::npos && util::isSecretKey(util::percentDecoded(field.substr(0, equals)));
+        if (!covered.empty()) covered += '&';
+        covered += secret ? field.substr(0, equals + 1) + util::kRedacted : field;
+    }
+    return covered;
+}
+
 /// Without user name, password and fragment; values of secret fields of the query covered.
 std::string printedUrl(std::optional<std::string> url) {
     if (!url) return util::printed(url);
@@ -33,13 +45,7 @@ std::string printedUrl(std::optional<std::string> url) {
         const auto at = std::string_view(result).substr(0, result.find('/', authority + 3)).rfind('@');
         if (at != std::string::npos && at > authority) result.erase(authority + 3, at - authority - 2);
     }
-    char separator = '?';
-    if (question == url->size()) return result;
-    for (const std::string& field : util::split(std::string_view(*url).substr(question + 1), '&')) {
-        const auto equals = field.find('=');
-        const bool secret = equals != std::string::npos && util::isSecretKey(util::percentDecoded(field.substr(0, equals)));
-        result.append(1, std::exchange(separator, '&')).append(secret ? field.substr(0, equals + 1) + util::kRedacted : field);
-    }
+    if (question < url->size()) result.append("?").append(coveredFields(std::string_view(*url).substr(question + 1)));
     return result;
 }
 
@@ -52,12 +58,13 @@ util::Value asValue(const util::XmlElement& element) {
     return util::Dictionary{{element.name, content.size() == 1 && !element.text.empty() ? content.front() : util::Value(content)}};
 }
 
-/// As text, where it is; JSON with its secrets covered.
+/// As text, where it is, the secrets of JSON, XML and forms covered.
 std::string printedBytes(const util::Bytes& bytes) {
     if (const auto json = util::Json::decode(bytes); json && (json->dictionary() != nullptr || json->list() != nullptr)) {
         return printedValue(*json);
     }
-    return util::isValidUtf8(bytes) ? bytes : util::printed(std::nullopt);
+    if (const auto root = util::Xml::decode(bytes)) return printedValue(asValue(**root));
+    return util::isValidUtf8(bytes) ? coveredFields(bytes) : util::printed(std::nullopt);
 }
 
 std::string printedResponse(const Response& response) {

@@ -30,8 +30,8 @@ std::pair<Response, Failure> ResponseSerializers::xm_processResponse(platform::H
     }
     if (serializer == nullptr) return {std::nullopt, std::move(transportError)};
     if (brokeOff) {
-        Failure refusal = result.response ? serializer->refusalOf(*result.response, {}) : std::nullopt;
-        return {std::nullopt, refusal ? std::move(refusal) : std::move(transportError)};
+        const bool isRefused = result.response && !result.response->isSuccess();
+        return {std::nullopt, isRefused ? serializer->refusalOf(*result.response, std::move(result.body)) : std::move(transportError)};
     }
     auto decoded = serializer->decode(*result.response, std::move(result.body));
     if (!decoded) return {std::nullopt, std::move(decoded).error()};

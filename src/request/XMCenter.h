@@ -80,7 +80,8 @@ public:
 
     /// Tells `onCancel` what was cancelled before it returns. The end comes by the callbacks of that, as Cancelled, perhaps
     /// before `onCancel` on another thread; what has retries left, though, is sent again. A batch or chain sends no request
-    /// any more that it has not sent yet: such a one ends as Cancelled, which neither log nor hooks see.
+    /// any more that it has not sent yet: such a one ends as Cancelled, which neither log nor hooks see. A download whose file
+    /// stands already ends as the success that it is.
     void cancelRequest(const std::optional<std::string>& identifier, const CancelBlock& onCancel = {});
     [[nodiscard]] Running getRequest(const std::optional<std::string>& identifier) const;
 

@@ -14,10 +14,10 @@ namespace halvane::request {
 
 /// One HTTP exchange: what the caller wants, and, once it is sent, under which identifier it runs.
 ///
-/// The caller fills it in the configuration callback and then leaves its fields alone; `identifier` and the callback
-/// fields may be read from any thread. The task that serves it keeps it alive, so nobody else has to. It keeps its
-/// callbacks until success or failure has been delivered, then lets go of them: a request that the caller holds on to
-/// does not keep alive what the callbacks captured.
+/// The caller fills it in the configuration callback and then leaves its fields alone; it runs in one place at a time; `identifier` and the
+/// callback fields may be read from any thread. The task that serves it keeps it alive, so nobody else has to. It keeps its callbacks until
+/// success or failure has been delivered, then lets go of them: a request that the caller holds on to does not keep alive what the
+/// callbacks captured.
 class XMRequest : public std::enable_shared_from_this<XMRequest> {
 public:
     static std::shared_ptr<XMRequest> request() { return std::make_shared<XMRequest>(); }

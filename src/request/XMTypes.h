@@ -43,7 +43,7 @@ enum XMResponseSerializerType : std::int64_t {
     XMResponseSerializerRAW = 0,    ///< not at all: the bytes, of any content type
     XMResponseSerializerJSON = 1,   ///< application/json, text/json, text/javascript; an empty body is an absent response
     XMResponseSerializerPlist = 2,  ///< application/x-plist; a binary one of at most 128 KiB
-    XMResponseSerializerXML = 3     ///< application/xml, text/xml: a tree
+    XMResponseSerializerXML = 3     ///< application/xml, text/xml: a tree; an empty body is an absent response
 };
 
 using XMNetworkStatus = platform::ReachabilityStatus;

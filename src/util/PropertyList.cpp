@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 namespace halvane::util {
@@ -25,9 +26,10 @@ using CText = std::unique_ptr<char, FreeText>;
 constexpr int kMaxDepth = 512;
 constexpr std::size_t kLargestBinary = 128 * 1024;  // no room in it for more levels than a stack has
 
-/// Where the mark-up that begins at `start` ends: one past it. What stands in comments, CDATA and double quotes (the only
-/// ones that the library knows) is no tag.
-std::size_t endOfMarkup(std::string_view xml, std::size_t start) {
+/// Where the mark-up that begins at `start` ends, one past it: no tag is looked for in between. Absent for what is read in
+/// more than one way: a document type with declarations, a processing instruction anywhere but at the beginning or with
+/// a quote that does not close. Double quotes are the only ones that the library knows.
+std::optional<std::size_t> endOfMarkup(std::string_view xml, std::size_t start) {
     const std::string_view rest = xml.substr(start);
     const auto behind = [&](std::string_view mark) {
         const auto found = xml.find(mark, start);
@@ -35,7 +37,14 @@ std::size_t endOfMarkup(std::string_view xml, std::size_t start) {
     };
     if (rest.starts_with("<!--")) return behind("-->");
     if (rest.starts_with("<![CDATA[")) return behind("]]>");
-    if (rest.starts_with("<?")) return behind("?>");
+    if (rest.starts_with("<?")) {
+        const std::size_t end = behind("?>");
+        const auto quotes = std::ranges::count(xml.substr(start, end - start), '"');
+        return start == 0 && quotes % 2 == 0 ? std::optional(end) : std::nullopt;
+    }
+    if (rest.starts_with("<!") && (!rest.starts_with("<!DOCTYPE") || rest.substr(0, rest.find('>')).find('[') != rest.npos)) {
+        return std::nullopt;
+    }
     for (std::size_t at = start; at < xml.size(); ++at) {
         if (xml[at] == '>') return at + 1;
         if (xml[at] == '"') at = std::min(xml.find('"', at + 1), xml.size());
@@ -43,18 +52,20 @@ std::size_t endOfMarkup(std::string_view xml, std::size_t start) {
     return xml.size();
 }
 
-/// Whether arrays and dictionaries of an XML property list stand deeper in one another than they may, or do not match.
-bool isTooDeep(std::string_view xml) {
+/// Whether arrays and dictionaries of an XML property list certainly stand no deeper in one another than they may.
+bool isShallow(std::string_view xml) {
     int depth = 0;
-    for (std::size_t at = xml.find('<'), end = 0; at != std::string_view::npos; at = xml.find('<', end)) {
-        end = endOfMarkup(xml, at);
-        const std::string_view tag = xml.substr(at, end - at);
-        if (tag.ends_with("/>")) continue;
-        if (tag.starts_with("<array") || tag.starts_with("<dict")) ++depth;
-        if (tag.starts_with("</array") || tag.starts_with("</dict")) --depth;
-        if (depth > kMaxDepth || depth < 0) return true;
+    for (std::size_t at = xml.find('<'); at != std::string_view::npos;) {
+        const auto end = endOfMarkup(xml, at);
+        if (!end) return false;
+        const std::string_view tag = xml.substr(at, *end - at);
+        const bool isEmpty = tag.ends_with("/>");
+        if (!isEmpty && (tag.starts_with("<array") || tag.starts_with("<dict"))) ++depth;
+        if (!isEmpty && (tag.starts_with("</array") || tag.starts_with("</dict"))) --depth;
+        if (depth > kMaxDepth || depth < 0) return false;
+        at = xml.find('<', *end);
     }
-    return false;
+    return true;
 }
 
 Value fromLibrary(plist_t node, int depth);
@@ -172,7 +183,8 @@ Result<Value> PropertyList::decode(const Bytes& bytes) {
         if (length > kLargestBinary) return dataError("binary property list is too large");
         plist_from_bin(bytes.data(), length, &raw);
     } else if (const auto start = bytes.find_first_not_of(" \t\r\n\xEF\xBB\xBF"); start != Bytes::npos && bytes[start] == '<') {
-        if (isTooDeep(bytes)) return dataError("property list is nested deeper than " + std::to_string(kMaxDepth));
+        const std::string_view xml = std::string_view(bytes).substr(start);
+        if (!isShallow(xml)) return dataError("property list is nested deeper than " + std::to_string(kMaxDepth) + ", or not plain");
         plist_from_xml(bytes.data() + start, length - static_cast<std::uint32_t>(start), &raw);
     }
     const Node node(raw);

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <limits>
 
 namespace halvane::http {
 namespace {
@@ -69,6 +70,14 @@ TEST_F(MultipartTest, fields_and_files_go_out_part_by_part) {
     EXPECT_EQ(bodyOf(*request), expected);
     ASSERT_TRUE(request->bodyStream->rewind());
     EXPECT_EQ(bodyOf(*request, 1), expected) << "byte by byte, a second time";
+}
+
+TEST_F(MultipartTest, what_has_no_form_is_refused_like_in_other_requests) {
+    for (const Value& odd : {Value(std::numeric_limits<double>::infinity()), Value(Value::Date{std::int64_t{1} << 60})}) {
+        const Dictionary parameters{{"a", Value::List{odd}}};
+        EXPECT_FALSE(serializer.multipartFormRequest("POST", "http://h/u", parameters, emptyForm(), [](MultipartFormData&) {}));
+        EXPECT_FALSE(serializer.request("GET", "http://h/u", parameters));
+    }
 }
 
 TEST_F(MultipartTest, names_forge_no_part) {

@@ -58,6 +58,7 @@ TEST(ResponseSerializers, accept_decode_or_refuse_with_the_body) {
         {"plist, of XML type", plist, 200, "text/xml", kList, std::string("-1016 ") + kList},
         {"XML", xml, 200, "text/xml", "<a/>", "<a>"},
         {"XML, other name", xml, 200, "application/xml", "<?xml version=\"1.0\"?><a>1</a>", "<a>"},
+        {"XML, empty", xml, 204, "", "", "absent"},
         {"XML, broken", xml, 200, "text/xml", "<a>", "-1016 <a>"},
     };
     for (const Row& row : rows) {

@@ -140,6 +140,15 @@ TEST_F(CenterTest, results_come_in_order_and_then_the_callbacks_go) {
     EXPECT_FALSE(good->successBlock() || good->failureBlock() || good->finishedBlock() || good->progressBlock());
 }
 
+TEST_F(CenterTest, a_callback_may_clear_those_after_it) {
+    std::shared_ptr<XMRequest> request;
+    center->sendRequest(to("http://h/p"), {.onSuccess = [&](const Response&) { request->cleanCallbackBlocks(); },
+                                           .onFinished = [this](const auto&, const auto&) { events.push_back("finished"); }});
+    request = std::get<std::shared_ptr<XMRequest>>(center->getRequest("+1"));
+    transport->replyJson(0, "1");
+    EXPECT_EQ(heard(), Events());
+}
+
 TEST_F(CenterTest, with_a_callback_queue_results_are_told_there) {
     const auto main = std::make_shared<test::ManualMainLoop>();
     center->setupConfig([&](XMConfig& config) { config.callbackQueue = main; });
@@ -163,6 +172,7 @@ TEST_F(CenterTest, progress_is_told_of_uploads_and_downloads_only) {
     }
     EXPECT_FALSE(sent(0).data.onUploadProgress || sent(0).data.onDownloadProgress);
     ASSERT_TRUE(sent(1).data.onUploadProgress && sent(2).download.onProgress);
+    EXPECT_FALSE(std::get<std::shared_ptr<XMRequest>>(center->getRequest("+1"))->progressBlock());
     sent(1).data.onUploadProgress({1, 2});
     sent(2).download.onProgress({3, 4});
     EXPECT_EQ(heard(), (Events{"progress 1", "progress 3"}));

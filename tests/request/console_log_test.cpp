@@ -88,7 +88,12 @@ TEST_F(ConsoleLogTest, no_secret_reaches_it) {
         center->sendRequest([&](XMRequest& request) { request.url = "http://h/?password=" + secret; });
         transport->reply(sentCount() - 1, 500, "application/json", json);
     }
-    EXPECT_EQ(log->lines().size(), 12U);
+    for (const char* raw : {"a=1&password=s3cr3t&b=2", "<r><token>s3cr3t</token></r>"}) {
+        center->sendRequest(
+            [](XMRequest& request) { request.url = "http://h/", request.responseSerializerType = XMResponseSerializerRAW; });
+        transport->reply(sentCount() - 1, 200, "", raw);
+    }
+    EXPECT_EQ(log->lines().size(), 16U);
     EXPECT_FALSE(log->contains(secret)) << log->lines()[0] << log->lines()[1];
     EXPECT_TRUE(log->contains("http://h/p?x=1&access_token=<redacted>&pass%77ord=<redacted>"));
 }

@@ -53,6 +53,13 @@ TEST_F(GroupTest, a_failed_member_stops_no_other_but_fails_the_batch) {
     EXPECT_EQ(heard(), (Events{"failure [0 -1000 null]", "finished - [0 -1000 null]"})) << "no response is a failure without an error";
 }
 
+TEST_F(GroupTest, an_absent_response_is_a_failure_without_an_error) {
+    center->sendBatchRequest(members({"http://h/0"}), loggingGroup());
+    center->sendChainRequest(steps(1), loggingGroup());
+    for (std::size_t i = 0; i < 2; ++i) transport->reply(i, 200, "application/json", "");
+    EXPECT_EQ(heard(), (Events{"failure [null]", "finished - [null]", "failure [null null]", "finished - [null null]"}));
+}
+
 TEST_F(GroupTest, members_and_steps_are_prepared_and_retried_like_single_requests) {
     center->setupConfig([](XMConfig& config) { config.generalServer = "http://general"; });
     center->sendBatchRequest(
@@ -150,6 +157,22 @@ TEST_F(GroupTest, a_batch_cancelled_while_it_is_sent_sends_no_further_member) {
     EXPECT_EQ(heard(), (Events{"failure [-999 -999 -999]", "finished - [-999 -999 -999]"}));
 }
 
+TEST_F(GroupTest, a_group_cancelled_while_its_task_is_made_is_cancelled_all_the_same) {
+    struct CancellingLog final : util::Log {
+        void write(std::string_view) override { center->cancelRequest("BC1"); }
+        XMCenter* center = nullptr;
+    };
+    const auto cancelling = std::make_shared<CancellingLog>();
+    RequestEnvironment logged = environment();
+    logged.log = cancelling;
+    center = XMCenter::center(logged, engine);
+    cancelling->center = center.get();
+    center->setupConfig([](XMConfig& config) { config.consoleLog = true; });
+    center->sendBatchRequest(members({"http://h/0", "http://h/1"}), loggingGroup());
+    EXPECT_EQ(heard(), (Events{"failure [-999 -999]", "finished - [-999 -999]"}));
+    EXPECT_EQ(sentCount(), 1U);
+}
+
 TEST_F(GroupTest, a_chain_cancelled_between_its_steps_sends_no_further_one) {
     const auto main = std::make_shared<test::ManualMainLoop>();
     center->setupConfig([&](XMConfig& config) { config.callbackQueue = main; });
@@ -211,8 +234,11 @@ TEST_F(GroupTest, clearing_in_a_callback_silences_the_next_and_a_member_may_be_s
     EXPECT_EQ(sentCount(), 1U) << "one that stands there twice counts once";
     transport->fail(0, UrlError::TimedOut);
     EXPECT_EQ(heard(), Events{"failure [-1001]"});
+    const auto second = batchOf(center->getRequest("BC2"));
+    EXPECT_TRUE(second->batchSuccessBlock());
     transport->replyJson(1, "1");
     EXPECT_EQ(heard(), (Events{"success [1]", "finished [1] -"}));
+    EXPECT_FALSE(second->batchSuccessBlock() || second->batchFailureBlock() || second->batchFinishedBlock());
 }
 
 TEST_F(GroupTest, a_group_is_cancelled_where_it_runs) {

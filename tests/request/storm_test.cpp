@@ -1,4 +1,5 @@
 #include "request/LiveRequests.h"
+#include "request/factory/RequestLayer.h"
 #include "support/Eventually.h"
 
 #include <algorithm>
@@ -54,6 +55,22 @@ TEST_F(Storm, ten_thousand_requests_of_eight_threads_each_end_exactly_once) {
     EXPECT_GT(cancelled, 0);
     std::printf("  10,000 requests from %d threads: %d succeeded, %d cancelled, %d had no address; each ended once\n", kThreads,
                 succeeded.load(), cancelled.load(), others.load());
+}
+
+TEST_F(Storm, an_engine_that_takes_its_queues_along_still_tells_every_end) {
+    constexpr int kRequests = 2000;
+    LoopbackServer silent([](test::LoopbackConnection& connection) { connection.stall(); });
+    std::atomic<int> cancelled{0};
+    auto own = std::make_shared<XMEngine>(RequestLayer::makeEnvironment({.programName = "storm/1.0"}));
+    for (int i = 0; i < kRequests; ++i) {
+        auto request = XMRequest::request();
+        request->url = silent.url();
+        own->sendRequest(request, [&cancelled](const Response&, const Failure& failure) {
+            cancelled += failure && failure->code == static_cast<int>(util::UrlError::Cancelled) ? 1 : 0;
+        });
+    }
+    own.reset();
+    EXPECT_TRUE(test::eventually([&] { return cancelled == kRequests; })) << cancelled;
 }
 
 TEST_F(Storm, batches_and_chains_of_many_threads_report_exactly_once) {

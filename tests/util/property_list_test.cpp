@@ -48,6 +48,9 @@ TEST(PropertyList, refuses_damage_without_noise) {
         {"deep behind CDATA of ends", "<plist><string><![CDATA[" + ends + "]]></string>" + nested(300'000) + "</plist>"},
         {"deep with attributes that look like ends", "<plist>" + replaced(nested(300'000), "<array>", "<array x=\"/>\">") + "</plist>"},
         {"deep behind a single quote", "<plist><array x='>" + nested(300'000) + "</array></plist>"},
+        {"deep in a document type that hides its end", "<!DOCTYPE plist [<!a><!-- ]><plist>" + nested(300'000) + "</plist>-->"},
+        {"deep behind instructions", "<plist><?x \"?>" + ends + "\" ?>" + nested(300'000) + "</plist>"},
+        {"deep in an instruction that hides its end", "<?x \"?> <!-- \" ?><plist>" + nested(300'000) + "</plist>-->"},
         {"more ends than beginnings", "<plist></array><array/></plist>"},
         {"binary and large", "bplist00" + Bytes(200'000, '\xA1')},
     };

@@ -235,7 +235,7 @@ void TaskBoard::deliver() {
     for (int i = 0; i < kMostPerBlock && deliverOne(); ++i) continue;
     std::unique_lock lock(mutex_);
     --delivering_;
-    const Afterwards afterwards = claimLocked();
+    const Afterwards afterwards = claimForeignLocked();
     lock.unlock();
     perform(afterwards);
 }
@@ -251,7 +251,7 @@ bool TaskBoard::deliverOne() {
         task->state_ = CurlTask::State::Delivered;
         tasks_.erase(task->identifier_);
     }
-    const Afterwards afterwards = claimLocked();
+    const Afterwards afterwards = claimForeignLocked();
     lock.unlock();
     perform(afterwards);
     task->report(events);

@@ -27,13 +27,13 @@ struct Threads {
     linux::NetworkManagerReachability reachability{*handlers};
 };
 
-/// Posts to the completion queue; what waits there keeps the threads alive. So the results of an engine's last requests
-/// arrive when nobody holds engine or environment any more.
-class LastingQueue final : public platform::DispatchQueue {
+/// Posts to the completion queue; what waits there keeps this queue and the threads alive. So the results of an engine's
+/// last requests arrive when nobody holds engine or environment any more.
+class LastingQueue final : public platform::DispatchQueue, public std::enable_shared_from_this<LastingQueue> {
 public:
     explicit LastingQueue(std::shared_ptr<Threads> threads) : threads_(std::move(threads)) {}
     void async(Block block) override {
-        threads_->completion->async([threads = threads_, block = std::move(block)] { block(); });
+        threads_->completion->async([self = shared_from_this(), block = std::move(block)] { block(); });
     }
     void after(std::chrono::milliseconds delay, Block block) override { threads_->completion->after(delay, std::move(block)); }
 

@@ -290,6 +290,30 @@ TEST_F(HttpTaskLife, on_a_concurrent_queue_no_completion_waits_for_another) {
     EXPECT_EQ(log.events(), Events(4, "met"));
 }
 
+TEST_F(HttpTaskLife, nor_does_one_that_was_cancelled_while_it_waited) {
+    // No network event comes to the rescue: the one task that runs hears nothing.
+    LoopbackServer silent([](LoopbackConnection& connection) { connection.stall(); });
+    queue = std::make_shared<test::ThreadQueue>(2);
+    for (int round = 0; round < 20; ++round) {
+        makeSession({}, 1);
+        Gate second;
+        EventLog ends;
+        std::vector<std::shared_ptr<platform::HttpTask>> tasks;
+        for (int i = 0; i < 3; ++i) {
+            tasks.push_back(session->dataTask({.url = silent.url()}, {.onCompletion = [&, i](const auto&) {
+                                                  if (i == 1) ends.add(second.pass() ? "first after second" : "first alone");
+                                                  if (i == 2) second.open();
+                                              }}));
+            tasks.back()->resume();
+        }
+        tasks[1]->cancel();
+        tasks[2]->cancel();
+        ASSERT_TRUE(ends.await(1));
+        EXPECT_EQ(ends.events().front(), "first after second");
+        session.reset();
+    }
+}
+
 TEST_F(HttpTaskLife, many_threads_may_use_one_session) {
     LoopbackServer server(LoopbackServer::replying(okReply("x")));
     makeSession({}, 5);
