@@ -291,15 +291,18 @@ TEST_F(HttpTaskLife, on_a_concurrent_queue_no_completion_waits_for_another) {
 }
 
 TEST_F(HttpTaskLife, nor_does_one_that_was_cancelled_while_it_waited) {
-    // No network event comes to the rescue: the one task that runs hears nothing.
+    // No network event comes to the rescue: the one task that runs hears nothing, on a connection that stood before.
     EventLog arrived;
     LoopbackServer silent([&](LoopbackConnection& connection) {
+        connection.readRequest();
+        connection.send(okReply(""));
         connection.readRequest();
         arrived.add("request");
         connection.stall();
     });
     queue = std::make_shared<test::ThreadQueue>(2);
     makeSession({}, 1);
+    get(silent.url());
     Gate second;
     std::vector<std::shared_ptr<platform::HttpTask>> tasks;
     for (int i = 0; i < 3; ++i) {
