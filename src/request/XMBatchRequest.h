@@ -44,7 +44,7 @@ private:
     friend class XMCenter;
 
     std::optional<std::string> identifier_;  // set before the first member is sent
-    std::shared_ptr<XMEngine> engine_;       // where its members run; set with the identifier
+    std::weak_ptr<XMEngine> engine_;         // where its members run; set with the identifier
     std::atomic<bool> cancelled_{false};     // no further member is sent
     std::mutex lock_;                        // guards what follows, the report included
     XMResults responseArray_;

@@ -166,10 +166,10 @@ std::shared_ptr<platform::DispatchQueue> XMCenter::resultQueue() const {
 
 template <typename Group>
 void XMCenter::enter(const std::shared_ptr<Group>& group) {
-    auto engine = settings()->engine;
+    const auto engine = settings()->engine;
     const std::lock_guard lock(lock_);
     group->identifier_ = "BC" + std::to_string(++autoIncrement_);
-    group->engine_ = std::move(engine);
+    group->engine_ = engine;
     runningBatchAndChainPool_.emplace(*group->identifier_, group);
 }
 
@@ -208,7 +208,7 @@ void XMCenter::sendOf(const Group& group, const std::shared_ptr<XMRequest>& requ
     // Cancelled by now, perhaps by the hook: it ends without a task, so that no byte of it goes out.
     if (group.cancelled_) return resultQueue()->async([finished, running] { finished(std::nullopt, cancelledBeforeSending()); });
     xm_sendRequest(running);
-    if (group.cancelled_) cancelInEngine(*group.engine_, *request);
+    if (group.cancelled_) cancelInEngine(group.engine_.lock(), *request);
 }
 
 std::optional<std::string> XMCenter::sendChainRequest(const ChainBlock& configure, XMGroupCallbacks callbacks) {
@@ -238,8 +238,9 @@ void XMCenter::stepEnded(const std::shared_ptr<XMChainRequest>& chain, const XMR
 
 // Control and queries.
 
-void XMCenter::cancelInEngine(XMEngine& engine, const XMRequest& request) {
-    if (const auto identifier = request.identifier()) engine.cancelRequestByIdentifier(*identifier);
+void XMCenter::cancelInEngine(const std::shared_ptr<XMEngine>& engine, const XMRequest& request) {
+    const auto identifier = request.identifier();
+    if (engine && identifier) engine->cancelRequestByIdentifier(*identifier);
 }
 
 void XMCenter::cancelRequest(const std::optional<std::string>& identifier, const CancelBlock& onCancel) {
@@ -251,10 +252,10 @@ void XMCenter::cancelRequest(const std::optional<std::string>& identifier, const
         }
         if (const auto* batch = std::get_if<std::shared_ptr<XMBatchRequest>>(&cancelled)) {
             (*batch)->cancelled_ = true;
-            for (const auto& member : (*batch)->requestArray) cancelInEngine(*(*batch)->engine_, *member);
+            for (const auto& member : (*batch)->requestArray) cancelInEngine((*batch)->engine_.lock(), *member);
         } else if (const auto* chain = std::get_if<std::shared_ptr<XMChainRequest>>(&cancelled)) {
             (*chain)->cancelled_ = true;
-            if (const auto running = (*chain)->runningRequest()) cancelInEngine(*(*chain)->engine_, *running);
+            if (const auto running = (*chain)->runningRequest()) cancelInEngine((*chain)->engine_.lock(), *running);
         }
     } else if (identifier) {
         if (auto request = settings()->engine->cancelRequestByIdentifier(*identifier)) cancelled = std::move(request);

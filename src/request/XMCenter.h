@@ -106,7 +106,7 @@ private:
     /// Sends one of a batch or chain, unless that is cancelled.
     template <typename Group>
     void sendOf(const Group& group, const std::shared_ptr<XMRequest>& request, const XMFinishedBlock& finished);
-    static void cancelInEngine(XMEngine& engine, const XMRequest& request);
+    static void cancelInEngine(const std::shared_ptr<XMEngine>& engine, const XMRequest& request);
     /// Where results are told.
     [[nodiscard]] std::shared_ptr<platform::DispatchQueue> resultQueue() const;
 

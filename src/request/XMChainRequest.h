@@ -58,7 +58,7 @@ private:
     [[nodiscard]] std::optional<NextBlock> nextBlockAfter(std::size_t step) const;
 
     std::optional<std::string> identifier_;  // set before the first step is sent
-    std::shared_ptr<XMEngine> engine_;       // where its steps run; set with the identifier
+    std::weak_ptr<XMEngine> engine_;         // where its steps run; set with the identifier
     std::atomic<bool> cancelled_{false};     // no further step is sent
     mutable std::mutex mutex_;               // guards the two below, which others look at or clear; the rest belongs to the running step
     std::shared_ptr<XMRequest> runningRequest_;

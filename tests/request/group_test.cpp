@@ -241,6 +241,15 @@ TEST_F(GroupTest, clearing_in_a_callback_silences_the_next_and_a_member_may_be_s
     EXPECT_FALSE(second->batchSuccessBlock() || second->batchFailureBlock() || second->batchFinishedBlock());
 }
 
+TEST_F(GroupTest, what_runs_keeps_no_engine_alive) {
+    const std::weak_ptr<XMEngine> last = engine;
+    center->sendBatchRequest(members({"http://h/0"}), loggingGroup());
+    center->sendChainRequest(steps(1), loggingGroup());
+    center.reset();
+    engine.reset();
+    EXPECT_TRUE(last.expired());
+}
+
 TEST_F(GroupTest, a_group_is_cancelled_where_it_runs) {
     const auto other = std::make_shared<XMEngine>(environment());
     center->sendBatchRequest(members({"http://h/0"}), loggingGroup());
