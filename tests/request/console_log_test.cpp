@@ -85,7 +85,7 @@ TEST_F(ConsoleLogTest, no_secret_reaches_it) {
         const bool isXml = type == XMResponseSerializerXML;
         transport->reply(sentCount() - 1, 200, isXml ? "text/xml" : "application/json",
                          isXml ? "<r password='s3cr3t'><token>s3cr3t</token><token><v>s3cr3t</v></token></r>" : json);
-        center->sendRequest([&](XMRequest& request) { request.url = "http://h/?password=" + secret; });
+        center->sendRequest([&](XMRequest& request) { request.url = "http://h/?password=" + secret + "&a=1#" + secret; });
         transport->reply(sentCount() - 1, 500, "application/json", json);
     }
     for (const char* raw : {"a=1&password=s3cr3t&b=2", "<r><token>s3cr3t</token></r>"}) {

@@ -77,6 +77,8 @@ TEST_F(FaultMatrix, connections_and_replies_that_go_wrong) {
     };
     std::string manyHeaders = "HTTP/1.1 200 OK\r\n";
     for (int i = 0; i < 100'000; ++i) manyHeaders += "X-" + std::to_string(i) + ": 1\r\n";
+    std::string thousands = "HTTP/1.1 200 OK\r\n";
+    for (int i = 0; i < 2000; ++i) thousands += "X-" + std::to_string(i) + ": 1\r\n";
     const std::string chunked = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
     const Row rows[] = {
         {"reset before the body", resetting(""), UrlError::ConnectionLost},
@@ -98,6 +100,7 @@ TEST_F(FaultMatrix, connections_and_replies_that_go_wrong) {
          },
          UrlError::TimedOut, "", 0.2},
         {"100,000 headers", answering(manyHeaders + "\r\n"), UrlError::BadServerResponse},
+        {"2,000 short headers", answering(thousands + "\r\n"), UrlError::BadServerResponse},
         {"compressed bomb of 20 MB", answering(okReply(bomb(20'000'000), "Content-Encoding: gzip\r\n")), UrlError::BadServerResponse},
         {"chunk of no size", answering(chunked + "zz\r\nabc\r\n0\r\n\r\n"), UrlError::ConnectionLost},
         {"chunk longer than it says", answering(chunked + "2\r\nabcdef\r\n0\r\n\r\n"), UrlError::ConnectionLost},

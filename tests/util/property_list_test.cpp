@@ -31,6 +31,14 @@ Bytes nested(int levels) {
     return xml;
 }
 
+TEST(PropertyList, comments_and_character_data_are_read_over) {
+    const auto read = PropertyList::decode(
+        "<?xml version=\"1.0\"?><!DOCTYPE plist PUBLIC \"-//X//EN\" \"http://x/x.dtd\"><plist><!-- <array> -->"
+        "<array><string><![CDATA[<dict>]]></string><true/></array></plist>");
+    ASSERT_TRUE(read) << read.error().description;
+    EXPECT_EQ(*read, Value(Value::List{"<dict>", true}));
+}
+
 TEST(PropertyList, as_deep_as_anything_real_is_read) { EXPECT_TRUE(PropertyList::decode("<plist>" + nested(500) + "</plist>")); }
 
 TEST(PropertyList, refuses_damage_without_noise) {
