@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace halvane::util {
 namespace {
 
@@ -15,6 +17,22 @@ TEST(Json, round_trip_keeps_kinds_and_the_order_of_keys) {
 TEST(Json, texts_and_numbers_alone_are_documents) {
     EXPECT_EQ(Json::decode("\"x\"").value(), Value("x"));
     EXPECT_EQ(Json::decode(" 7 ").value(), Value(7));
+}
+
+TEST(Json, texts_are_written_so_that_they_come_back) {
+    struct Row {
+        const char* text;
+        const char* expected;
+    };
+    for (const Row& row :
+         {Row{"", "\"\""}, Row{"plain", "\"plain\""}, Row{"a\"b", R"("a\"b")"}, Row{"a\\b", R"("a\\b")"}, Row{"\n\x01", R"("\n\u0001")"},
+          Row{"\x7F", "\"\x7F\""}, Row{"\xE8\x81\x8C", "\"\xE8\x81\x8C\""}, Row{"/", "\"/\""}}) {
+        EXPECT_EQ(Json::encode(row.text), row.expected);
+        EXPECT_EQ(Json::encode(Dictionary{{row.text, 1}}), std::string("{") + row.expected + ":1}");
+    }
+    EXPECT_EQ(Json::encode(Dictionary{{"a", Dictionary()}, {"b", Value::List{Value::List{}, Dictionary(), nullptr, true, -1, 0.5}}}),
+              R"({"a":{},"b":[[],{},null,true,-1,0.5]})");
+    EXPECT_EQ(Json::encode(Value::List{std::numeric_limits<double>::infinity(), Value::Date{std::int64_t{1} << 60}}), "[null,null]");
 }
 
 TEST(Json, a_number_beyond_64_bits_becomes_a_double) {
