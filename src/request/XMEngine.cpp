@@ -80,21 +80,16 @@ public:
     Session(char prefix, std::shared_ptr<platform::HttpTransport> transport, platform::HttpSessionConfiguration configuration)
         : prefix_(prefix), transport_(std::move(transport)), configuration_(std::move(configuration)) {}
 
-    platform::HttpSession& session() {
-        std::call_once(made_, [this] {
-            session_ = transport_->makeSession(configuration_);
-            isMade_.store(true, std::memory_order_release);
-        });
-        return *session_;
-    }
-
-    /// Whether there is a session, be it made now: a system without threads or descriptors left has none to give, for now.
-    bool isAvailable() {
+    /// Null while the system has no threads or descriptors left to make it of.
+    platform::HttpSession* session() {
         try {
-            session();
-            return true;
+            std::call_once(made_, [this] {
+                session_ = transport_->makeSession(configuration_);
+                isMade_.store(true, std::memory_order_release);
+            });
+            return session_.get();
         } catch (const std::exception&) {
-            return false;
+            return nullptr;
         }
     }
 
@@ -192,7 +187,8 @@ void XMEngine::sendDataTask(const std::shared_ptr<XMRequest>& request, util::Res
     built = sendable(std::move(built));
     if (!built) return post(std::move(completion), built.error());
     Session& session = xm_getSessionManager(*request);
-    if (!session.isAvailable()) return post(std::move(completion), noSession());
+    platform::HttpSession* const transport = session.session();
+    if (transport == nullptr) return post(std::move(completion), noSession());
     xm_processURLRequest(*built, *request);
     platform::HttpDataHandlers handlers;
     if (request->requestType == XMRequestUpload) handlers.onUploadProgress = progressOf(request);
@@ -201,15 +197,15 @@ void XMEngine::sendDataTask(const std::shared_ptr<XMRequest>& request, util::Res
         auto [response, failure] = serializers->xm_processResponse(std::move(result), type);
         completion(std::move(response), std::move(failure));
     };
-    const auto& context = request->shared_from_this();
-    start(*request, session, session.session().dataTask(*std::move(built), std::move(handlers), context));
+    start(*request, session, transport->dataTask(*std::move(built), std::move(handlers), request->shared_from_this()));
 }
 
 void XMEngine::xm_downloadTaskWithRequest(const std::shared_ptr<XMRequest>& request, Completion completion) {
     auto built = sendable(platform::HttpRequest{.url = request->url.value_or("")});
     if (!built) return post(std::move(completion), built.error());
     Session& session = xm_getSessionManager(*request);
-    if (!session.isAvailable()) return post(std::move(completion), noSession());
+    platform::HttpSession* const transport = session.session();
+    if (transport == nullptr) return post(std::move(completion), noSession());
     for (const auto& [name, value] : environment_.defaultHeaders.fields()) built->headers.set(name, value);
     xm_processURLRequest(*built, *request);
     auto destination = request->downloadSavePath.value_or("");
@@ -221,8 +217,7 @@ void XMEngine::xm_downloadTaskWithRequest(const std::shared_ptr<XMRequest>& requ
         if (result.file) file = *std::move(result.file);
         completion(std::move(file), std::move(result.error));
     };
-    const auto& context = request->shared_from_this();
-    start(*request, session, session.session().downloadTask(*std::move(built), std::move(handlers), context));
+    start(*request, session, transport->downloadTask(*std::move(built), std::move(handlers), request->shared_from_this()));
 }
 
 void XMEngine::start(XMRequest& request, const Session& session, const std::shared_ptr<platform::HttpTask>& task) {
@@ -263,7 +258,7 @@ std::shared_ptr<XMRequest> XMEngine::getRequestByIdentifier(const std::string& i
 void XMEngine::setConcurrentOperationCount(std::int64_t count) {
     const int limit = static_cast<int>(std::clamp<std::int64_t>(count, 1, std::numeric_limits<int>::max()));
     for (Session* session : {sessionManager_.get(), securitySessionManager_.get()}) {
-        if (session->isAvailable()) session->session().setMaximumConcurrentTasks(limit);
+        if (auto* const made = session->session()) made->setMaximumConcurrentTasks(limit);
     }
 }
 
