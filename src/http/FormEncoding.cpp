@@ -30,9 +30,8 @@ void addPairs(std::vector<QueryPair>& pairs, const std::string& field, const uti
         pairs.push_back({field, *text});
     } else if (const auto* bytes = value.data()) {
         pairs.push_back({field, *bytes});
-    } else if (value.date() != nullptr) {
-        const std::string quoted = util::Json::encode(value);
-        pairs.push_back({field, quoted.substr(1, quoted.size() - 2)});
+    } else if (const auto* date = value.date()) {
+        pairs.push_back({field, util::Json::dateText(*date)});
     } else {
         pairs.push_back({field, util::textOf(&value)});
     }

@@ -16,7 +16,7 @@ bool carriesParametersInUrl(const std::string& method) { return method == "GET" 
 bool holdsUnwritable(const util::Value& value) {
     if (const auto* list = value.list()) return std::ranges::any_of(*list, holdsUnwritable);
     if (const auto* real = value.real()) return !std::isfinite(*real);
-    if (value.date() != nullptr) return util::Json::encode(value) == "null";
+    if (const auto* date = value.date()) return !util::Json::dateText(*date);
     const auto* members = value.dictionary();
     return members != nullptr && std::ranges::any_of(*members, [](const auto& member) { return holdsUnwritable(member.value); });
 }

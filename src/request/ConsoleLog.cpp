@@ -3,6 +3,7 @@
 #include "util/Json.h"
 #include "util/Redaction.h"
 #include "util/Text.h"
+#include "util/Url.h"
 
 #include <fmt/format.h>
 
@@ -40,10 +41,9 @@ std::string printedUrl(std::optional<std::string> url) {
     url->resize(std::min(url->find('#'), url->size()));
     const auto question = std::min(url->find('?'), url->size());
     std::string result = url->substr(0, question);
-    const auto authority = result.find("://");
-    if (authority != std::string::npos) {
-        const auto at = std::string_view(result).substr(0, result.find('/', authority + 3)).rfind('@');
-        if (at != std::string::npos && at > authority) result.erase(authority + 3, at - authority - 2);
+    if (const std::string_view host = util::hostTextOf(result); host.data() != nullptr) {
+        const std::size_t authority = result.find("://") + 3;
+        result.erase(authority, static_cast<std::size_t>(host.data() - result.data()) - authority);
     }
     if (question < url->size()) result.append("?").append(coveredFields(std::string_view(*url).substr(question + 1)));
     return result;

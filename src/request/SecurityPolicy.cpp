@@ -28,11 +28,8 @@ std::string rootDomainOf(const std::string& host) {
 std::string SecurityPolicy::xm_rootDomainNameFromURL(const std::string& url) {
     if (const auto origin = util::originOf(url)) return rootDomainOf(origin->host);
     // What does not parse still names a host: a pin that is not taken would leave it open.
-    const auto start = url.find("://");
-    if (start == std::string::npos) return {};
-    std::string authority = url.substr(start + 3, std::min(url.find_first_of("/?#", start + 3), url.size()) - start - 3);
-    if (const auto user = authority.rfind('@'); user != std::string::npos) authority.erase(0, user + 1);
-    return rootDomainOf(util::lowercasedAscii(authority.substr(0, authority.find(':'))));
+    const std::string_view host = util::hostTextOf(url);
+    return rootDomainOf(util::lowercasedAscii(host.substr(0, host.find(':'))));
 }
 
 bool SecurityPolicy::isPinnedLocked(const std::string& rootDomain) const {

@@ -81,9 +81,8 @@ nlohmann::ordered_json toLibrary(const Value& value) {
     if (const auto* text = value.text()) return *text;
     if (const auto* data = value.data()) return Base64::encode(*data);
     if (const auto* date = value.date()) {
-        constexpr std::int64_t kEndOfYears = 253'402'300'800;  // 10000-01-01; a calendar goes no further
-        if (date->seconds < -kEndOfYears || date->seconds >= kEndOfYears) return nullptr;
-        return fmt::format("{:%FT%TZ}", fmt::gmtime(static_cast<std::time_t>(date->seconds)));
+        const auto text = Json::dateText(*date);
+        return text ? nlohmann::ordered_json(*text) : nlohmann::ordered_json();
     }
     if (const auto* list = value.list()) {
         auto array = nlohmann::ordered_json::array();
@@ -99,6 +98,12 @@ nlohmann::ordered_json toLibrary(const Value& value) {
 }
 
 }  // namespace
+
+std::optional<std::string> Json::dateText(const Value::Date& date) {
+    constexpr std::int64_t kEndOfYears = 253'402'300'800;  // 10000-01-01; a calendar goes no further
+    if (date.seconds < -kEndOfYears || date.seconds >= kEndOfYears) return std::nullopt;
+    return fmt::format("{:%FT%TZ}", fmt::gmtime(static_cast<std::time_t>(date.seconds)));
+}
 
 Result<Value> Json::decode(const Bytes& bytes) {
     // The library takes a NUL for the end of its input.

@@ -4,6 +4,9 @@
 #include "util/Result.h"
 #include "util/Value.h"
 
+#include <optional>
+#include <string>
+
 namespace halvane::util {
 
 /// JSON by RFC 8259, UTF-8 only. The door to the JSON library. Any thread.
@@ -17,6 +20,9 @@ struct Json {
     /// dates as ISO 8601, those beyond the year 9999 as null;
     /// invalid UTF-8 in a text is replaced by U+FFFD; numbers that are not finite become null.
     static Bytes encode(const Value& value);
+
+    /// A date as `encode` writes it, without quotes; absent beyond the year 9999.
+    static std::optional<std::string> dateText(const Value::Date& date);
 };
 
 }  // namespace halvane::util

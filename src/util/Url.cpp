@@ -61,10 +61,8 @@ PathSpan pathOf(std::string_view url) {
 /// libcurl unescapes and maps such a name, so that it would lead elsewhere than it reads. (An address in brackets may name
 /// its zone so.)
 bool hasEscapedHost(std::string_view url) {
-    const std::size_t start = url.find("://") + 3;
-    std::string_view authority = url.substr(start, std::min(url.find_first_of("/?#", start), url.size()) - start);
-    if (const auto user = authority.rfind('@'); user != std::string_view::npos) authority.remove_prefix(user + 1);
-    return !authority.starts_with('[') && authority.find('%') != std::string_view::npos;
+    const std::string_view host = hostTextOf(url);
+    return !host.starts_with('[') && host.find('%') != std::string_view::npos;
 }
 
 bool isHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
@@ -75,6 +73,15 @@ bool mayStandInUrl(char c) {
 }
 
 }  // namespace
+
+std::string_view hostTextOf(std::string_view url) {
+    const auto scheme = url.find("://");
+    if (scheme == std::string_view::npos) return {};
+    const std::size_t start = scheme + 3;
+    std::string_view host = url.substr(start, std::min(url.find_first_of("/?#", start), url.size()) - start);
+    if (const auto user = host.rfind('@'); user != std::string_view::npos) host.remove_prefix(user + 1);
+    return host;
+}
 
 bool isSendableUrl(std::string_view url) {
     if (!namesWebHost(url) || !std::ranges::all_of(url, mayStandInUrl) || hasEscapedHost(url)) return false;

@@ -31,6 +31,10 @@ std::optional<std::string> resolvedUrl(const std::string& base, const std::strin
 /// `reference` seen from `base`, by RFC 3986. Absent when that cannot be sent: nothing is escaped.
 std::optional<std::string> resolvedReference(const std::string& base, const std::string& reference);
 
+/// Host and port as they stand in the text, without user information, also of an address that does not parse. A piece of
+/// `url`; null where there is no "://".
+std::string_view hostTextOf(std::string_view url);
+
 /// `url` with a slash at the end of its path, when it has a path and its full text does not end in a slash.
 std::string withDirectoryPath(const std::string& url);
 
