@@ -57,8 +57,11 @@ LibnmNetworkService::LibnmNetworkService() : calls_(kCallTime), end_(std::chrono
 
 util::Result<std::unique_ptr<NetworkService>> LibnmNetworkService::connect() {
     std::unique_ptr<LibnmNetworkService> service(new LibnmNetworkService);
-    const auto result = service->calls_.wait(
-        [](GCancellable* cancellable, GAsyncReadyCallback callback, void* data) { nm_client_new_async(cancellable, callback, data); });
+    const auto result = service->calls_.wait([](GCancellable* cancellable, GAsyncReadyCallback callback, void* data) {
+        // By default the client has the policy service decide on all that NetworkManager can do, and our calls wait until that is done.
+        g_async_initable_new_async(NM_TYPE_CLIENT, G_PRIORITY_DEFAULT, cancellable, callback, data, NM_CLIENT_INSTANCE_FLAGS,
+                                   guint{NM_CLIENT_INSTANCE_FLAGS_NO_AUTO_FETCH_PERMISSIONS}, nullptr);
+    });
     service->client_.reset(nm_client_new_finish(result.get(), service->calls_.error()));
     if (!service->client_) return toolError(kNoService, "NetworkManager cannot be reached: " + service->calls_.whatFailed());
     if (nm_client_get_nm_running(service->client_.get()) == FALSE) return toolError(kNoService, "NetworkManager is not running");
