@@ -3,10 +3,16 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
+#include <cstdlib>
+
+#include <locale.h>
 
 namespace halvane::util {
 
 namespace {
+
+constexpr std::string_view kSpace = " \t\r\n\f\v";
+constexpr std::string_view kDigits = "0123456789";
 
 bool isControl(unsigned char c) { return c < 0x20 || c == 0x7F; }
 
@@ -27,8 +33,8 @@ std::string withoutLineFeeds(std::string_view text) { return replaced(text, "\n"
 
 std::string lowercasedAscii(std::string_view text) {
     std::string lower(text);
-    std::ranges::transform(lower, lower.begin(),
-                           [](unsigned char c) { return c < 0x80 ? static_cast<char>(std::tolower(c)) : static_cast<char>(c); });
+    // By the C library it would depend on the person's language: a Turkish capital I has another small one.
+    std::ranges::transform(lower, lower.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
     return lower;
 }
 
@@ -44,10 +50,49 @@ std::vector<std::string> split(std::string_view text, char separator) {
 }
 
 std::string trimmed(std::string_view text) {
-    constexpr std::string_view kSpace = " \t\r\n\f\v";
     const auto first = text.find_first_not_of(kSpace);
     if (first == std::string_view::npos) return {};
     return std::string(text.substr(first, text.find_last_not_of(kSpace) - first + 1));
+}
+
+namespace {
+
+/// How many bytes from `start` on are digits.
+std::size_t digitsAt(std::string_view text, std::size_t start) {
+    return std::min(text.find_first_not_of(kDigits, start), text.size()) - std::min(start, text.size());
+}
+
+bool isSignAt(std::string_view text, std::size_t position) {
+    return position < text.size() && (text[position] == '+' || text[position] == '-');
+}
+
+/// How many bytes at the beginning are a decimal number; 0 for none.
+std::size_t numberAtStart(std::string_view text) {
+    std::size_t end = isSignAt(text, 0) ? 1 : 0;
+    std::size_t digits = digitsAt(text, end);
+    end += digits;
+    if (end < text.size() && text[end] == '.') {
+        const std::size_t decimals = digitsAt(text, end + 1);
+        digits += decimals;
+        end += 1 + decimals;
+    }
+    if (digits == 0) return 0;
+    if (end < text.size() && (text[end] == 'e' || text[end] == 'E')) {
+        const std::size_t exponent = end + (isSignAt(text, end + 1) ? 2 : 1);
+        if (const std::size_t more = digitsAt(text, exponent); more > 0) end = exponent + more;
+    }
+    return end;
+}
+
+}  // namespace
+
+std::optional<LeadingNumber> leadingNumber(std::string_view text) {
+    static const locale_t kPlain = newlocale(LC_ALL_MASK, "C", nullptr);
+    text.remove_prefix(std::min(text.find_first_not_of(kSpace), text.size()));
+    const std::size_t length = numberAtStart(text);
+    if (length == 0) return std::nullopt;
+    // Unlike the standard library's own, this one tells too large from too small.
+    return LeadingNumber{strtod_l(std::string(text.substr(0, length)).c_str(), nullptr, kPlain), text.substr(length)};
 }
 
 bool hasControls(std::string_view text) { return std::ranges::any_of(text, isControl); }

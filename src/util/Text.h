@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,13 @@ bool isHostName(std::string_view name);
 std::string addingPercentEscapes(std::string_view text);
 /// Escapes all but what RFC 3986 leaves unreserved, "/" and "?": a name or a value in a query or a form.
 std::string percentEscapedComponent(std::string_view text);
+/// The decimal number ("-1.5e3") that a text begins with after white space, and what follows it; absent when there is none.
+/// One that is too large is infinite, one that is too small is 0. Neither locale nor "inf", "nan" and "0x" count.
+struct LeadingNumber {
+    double number;
+    std::string_view rest;
+};
+std::optional<LeadingNumber> leadingNumber(std::string_view text);
 /// "%41" becomes "A"; what is no escape stays.
 std::string percentDecoded(std::string_view text);
 /// The last component of what may be a path, or empty where that would not name a file.

@@ -1,14 +1,15 @@
 #include "systools/security/Certificate.h"
 
 #include "systools/security/OpenSsl.h"
+#include "util/Digest.h"
 #include "util/Text.h"
 
-#include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509.h>
 #include <openssl/x509v3.h>
 
-#include <array>
+#include <algorithm>
+#include <cctype>
 #include <ctime>
 
 namespace halvane::systools {
@@ -28,14 +29,8 @@ std::string commonNameOf(const X509_NAME* subject) {
 }
 
 std::string sha1Digits(const util::Bytes& bytes) {
-    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-    unsigned size = 0;
-    if (EVP_Digest(bytes.data(), bytes.size(), digest.data(), &size, EVP_sha1(), nullptr) != 1) return {};
-    std::string digits;
-    for (unsigned i = 0; i < size; ++i) {
-        constexpr const char* kDigits = "0123456789ABCDEF";
-        digits += {kDigits[digest[i] >> 4], kDigits[digest[i] & 0xF]};
-    }
+    std::string digits = util::Digest::of(util::Digest::Algorithm::Sha1, bytes);
+    std::ranges::transform(digits, digits.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     return digits;
 }
 

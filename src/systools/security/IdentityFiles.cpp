@@ -1,8 +1,7 @@
 #include "systools/security/IdentityFiles.h"
 
-#include <openssl/evp.h>
+#include "util/Digest.h"
 
-#include <array>
 #include <cctype>
 #include <cerrno>
 
@@ -11,9 +10,7 @@ namespace halvane::systools {
 namespace {
 
 constexpr std::size_t kLongestName = 200;  // bytes; file systems take 255
-constexpr const char* kDigits = "0123456789abcdef";
-
-void appendHex(std::string& text, unsigned char byte) { text += {kDigits[byte >> 4], kDigits[byte & 0xF]}; }
+constexpr std::size_t kDigestDigits = 32;
 
 /// Letters, digits, "-", "_", "@" and inner dots stay, everything else becomes %xx: what it yields is
 /// one plain component of a path, and of a URL.
@@ -26,27 +23,18 @@ std::string fileSafe(const std::string& name) {
         if (plain) {
             safe.push_back(c);
         } else {
-            safe.push_back('%');
-            appendHex(safe, byte);
+            safe += '%' + util::Digest::stringFromBytes(&byte, 1);
         }
     }
     return safe;
-}
-
-std::string digestOf(const std::string& text) {
-    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-    unsigned size = 0;
-    EVP_Digest(text.data(), text.size(), digest.data(), &size, EVP_sha256(), nullptr);
-    std::string digits;
-    for (unsigned i = 0; i < 16; ++i) appendHex(digits, digest[i]);
-    return digits;
 }
 
 }  // namespace
 
 std::filesystem::path IdentityFiles::pathOf(const std::string& commonName) const {
     std::string name = fileSafe(commonName);
-    if (name.size() > kLongestName) name = name.substr(0, kLongestName) + "%" + digestOf(commonName);
+    if (name.size() > kLongestName)
+        name = name.substr(0, kLongestName) + "%" + util::Digest::of(util::Digest::Algorithm::Sha256, commonName).substr(0, kDigestDigits);
     return directory_ / (name + ".p12");
 }
 
