@@ -37,7 +37,7 @@ DOORS = {
     "JSON": (r"^nlohmann/", ("src/util/Json.cpp",)),
     "property lists": (r"^plist/", ("src/util/PropertyList.cpp",)),
     "pugixml": (r"^pugixml", ("src/util/Xml.cpp",)),
-    "ICU": (r"^unicode/", ("src/util/",)),
+    "ICU": (r"^unicode/", ("src/util/icu/",)),
     "NSS": (r"^(nss|nspr)/|^(nss|cert|pk11pub|p12|prerror|prinit|secmod|keyhi)\.h$", ("src/systools/security/",)),
     "OpenSSL": (r"^openssl/", ("src/util/Base64.cpp", "src/util/Digest.cpp", "src/linux/http/", "src/systools/security/",
                                "server/authority/", "server/crypto/")),
