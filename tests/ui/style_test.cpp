@@ -1,14 +1,20 @@
+#include "ui/widgets/BundleImage.h"
+#include "ui/widgets/ContentSize.h"
 #include "ui/widgets/HDCLUICenter.h"
 #include "ui/widgets/NamedImage.h"
+#include "util/FileKind.h"
 
 #include <gtest/gtest.h>
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QFontMetrics>
 #include <QImage>
 #include <QPainter>
 #include <QPalette>
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace halvane::test {
 namespace {
@@ -75,14 +81,14 @@ TEST(StyleTest, chinese_characters_are_drawn_and_not_replaced_by_boxes) {
     }
 }
 
-TEST(NamedImageTest, every_image_draws_something_at_every_ratio) {
-    EXPECT_FALSE(ui::NamedImage::pixmap(QStringLiteral("AppIcon"), {64, 64}, 1).isNull());
-    const QStringList files = QDir(QStringLiteral(":/images")).entryList({QStringLiteral("*.svg")});
+/// Every drawing of one of the program's folders, as `pixmapOf` gives it by its name.
+void expectDrawings(const QString& folder, QPixmap (*pixmapOf)(const QString&, QSize, qreal)) {
+    const QStringList files = QDir(ui::NamedImage::inside(folder, {})).entryList({QStringLiteral("*.svg")});
     ASSERT_FALSE(files.isEmpty());
     for (const QString& file : files) {
         const QString name = file.chopped(4);
         for (const qreal ratio : {1.0, 1.25, 1.5, 2.0}) {
-            const QImage image = ui::NamedImage::pixmap(name, {24, 24}, ratio).toImage();
+            const QImage image = pixmapOf(name, {24, 24}, ratio).toImage();
             EXPECT_EQ(image.size(), QSize(24, 24) * ratio) << file.toStdString() << " at " << ratio;
             EXPECT_EQ(image.devicePixelRatio(), ratio) << file.toStdString();
             bool painted = false;
@@ -91,6 +97,35 @@ TEST(NamedImageTest, every_image_draws_something_at_every_ratio) {
             EXPECT_TRUE(painted) << file.toStdString() << " at " << ratio;
         }
     }
+}
+
+TEST(NamedImageTest, every_image_draws_something_at_every_ratio) { expectDrawings(QStringLiteral("images"), ui::NamedImage::pixmap); }
+
+TEST(BundleImageTest, every_kind_of_file_has_a_picture_of_its_own) {
+    expectDrawings(QStringLiteral("HVImageSource.bundle"), ui::BundleImage::getImageWithBundlePath);
+    std::vector<QImage> seen;
+    for (const char* path : {"a.dmg", "a.zip", "a.png", "a.mp4", "a.mp3", "a.xls", "a.ppt", "a.doc", "a"}) {
+        const auto kind = QString::fromStdString(util::FileKind::getFileTypeImgNameWithFilePath(path));
+        EXPECT_TRUE(QFile::exists(ui::BundleImage::getFileTypeImgPathWithImageName(kind))) << path;
+        const QImage image = ui::BundleImage::getImageWithBundlePath(kind, {40, 40}, 1).toImage();
+        EXPECT_EQ(ui::BundleImage::getImageWithBundleName(QStringLiteral("HVImageSource"), kind, {40, 40}, 1).toImage(), image) << path;
+        EXPECT_FALSE(image.isNull() || std::ranges::find(seen, image) != seen.end()) << path;
+        seen.push_back(image);
+    }
+    EXPECT_TRUE(ui::BundleImage::getImageWithBundleName(QStringLiteral("Other"), QStringLiteral("pkg"), {40, 40}, 1).isNull());
+}
+
+TEST(ContentSizeTest, a_text_has_the_room_that_its_lines_take) {
+    const QFont font = C::font(C::Type::Body);
+    const auto size = [&](const char* text) { return ui::ContentSize::getContentSizeWithFont(QString::fromUtf8(text), font); };
+    const QSizeF one = size("登录");
+    EXPECT_GT(one.width(), 0);
+    EXPECT_GT(size("登录登录").width(), one.width());
+    EXPECT_EQ(size("登录登录").height(), one.height());
+    EXPECT_EQ(size("登录\n登录登录").width(), size("登录登录").width());
+    EXPECT_GE(size("登录\n登录").height(), 2 * one.height());
+    EXPECT_EQ(size(""), QSizeF(0, one.height()));
+    EXPECT_GT(ui::ContentSize::getContentSizeWithFont(QStringLiteral("登录"), C::font(C::Type::Heading)).width(), one.width());
 }
 
 TEST(NamedImageTest, name_that_does_not_exist_gives_nothing) {

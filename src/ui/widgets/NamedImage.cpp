@@ -11,16 +11,20 @@ static void initImages() { Q_INIT_RESOURCE(images); }
 namespace halvane::ui {
 
 QPixmap NamedImage::pixmap(const QString& name, QSize size, qreal devicePixelRatio) {
+    return drawing(file(name + QStringLiteral(".svg")), size, devicePixelRatio);
+}
+
+QPixmap NamedImage::drawing(const QString& path, QSize size, qreal devicePixelRatio) {
     const QSize pixels = (QSizeF(size) * devicePixelRatio).toSize();
-    const QString key = QStringLiteral("halvane:%1:%2x%3").arg(name).arg(pixels.width()).arg(pixels.height());
+    const QString key = QStringLiteral("halvane:%1:%2x%3").arg(path).arg(pixels.width()).arg(pixels.height());
     QPixmap image;
     if (!QPixmapCache::find(key, &image)) {
-        QSvgRenderer drawing(file(name + QStringLiteral(".svg")));
-        if (!drawing.isValid()) return {};
+        QSvgRenderer renderer(path);
+        if (!renderer.isValid()) return {};
         image = QPixmap(pixels);
         image.fill(Qt::transparent);
         QPainter painter(&image);
-        drawing.render(&painter);
+        renderer.render(&painter);
         painter.end();
         QPixmapCache::insert(key, image);
     }
@@ -28,10 +32,12 @@ QPixmap NamedImage::pixmap(const QString& name, QSize size, qreal devicePixelRat
     return image;
 }
 
-QString NamedImage::file(const QString& fileName) {
+QString NamedImage::file(const QString& fileName) { return inside(QStringLiteral("images"), fileName); }
+
+QString NamedImage::inside(const QString& folder, const QString& fileName) {
     static const bool initialised = (initImages(), true);
     Q_UNUSED(initialised);
-    return QStringLiteral(":/images/") + fileName;
+    return QStringLiteral(":/%1/%2").arg(folder, fileName);
 }
 
 void NamedImage::paint(QPainter& painter, const QString& name, const QRect& target) {

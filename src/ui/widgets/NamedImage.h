@@ -19,6 +19,12 @@ public:
     /// Where an image that is no drawing stands; `fileName` with its suffix.
     [[nodiscard]] static QString file(const QString& fileName);
 
+    /// Where a file stands in another of the program's folders.
+    [[nodiscard]] static QString inside(const QString& folder, const QString& fileName);
+
+    /// The drawing in that file, as `pixmap`.
+    [[nodiscard]] static QPixmap drawing(const QString& path, QSize size, qreal devicePixelRatio);
+
     /// Draws it into `target` of the painter's widget.
     static void paint(QPainter& painter, const QString& name, const QRect& target);
 };
