@@ -1,5 +1,6 @@
 #include "util/icu/Pattern.h"
 
+#include "util/Text.h"
 #include "util/icu/Icu.h"
 
 #include <unicode/regex.h>
@@ -28,6 +29,7 @@ Pattern::Pattern(std::string_view pattern) {
 Pattern::~Pattern() = default;
 
 bool Pattern::covers(std::string_view text) const {
+    if (!isValidUtf8(text)) return false;
     UErrorCode status = U_ZERO_ERROR;
     const icu::UnicodeString unicode = unicodeOf(text);
     const std::unique_ptr<icu::RegexMatcher> matcher(compiled_->pattern->matcher(unicode, status));

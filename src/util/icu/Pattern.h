@@ -18,8 +18,8 @@ public:
     ///
     /// The texts come from anywhere, and a text can be made to keep a pattern busy for ages. So a match is given up, and answers
     /// false, after some hundredths of a second, beside the time of reading the text; and when the ways back that it has to
-    /// remember take more than 8 MB. A long text that would have matched may be lost by that. Bytes that are no UTF-8 stand
-    /// for U+FFFD.
+    /// remember take more than 8 MB. A long text that would have matched may be lost by that. What is no UTF-8 is
+    /// covered by no pattern.
     [[nodiscard]] bool covers(std::string_view text) const;
 
 private:
