@@ -1,7 +1,6 @@
 #include "util/Text.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdint>
 #include <cstdlib>
 

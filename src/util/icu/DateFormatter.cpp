@@ -3,7 +3,6 @@
 #include "util/icu/Icu.h"
 
 #include <unicode/smpdtfmt.h>
-#include <unicode/timezone.h>
 
 #include <stdexcept>
 
