@@ -1,5 +1,7 @@
 #include "login/ValidateInput.h"
 
+#include "support/RepeatedText.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -11,6 +13,7 @@ namespace {
 
 using Check = bool (*)(std::string_view);
 using V = ValidateInput;
+using test::times;
 
 const std::string kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 const std::string kDigits = "0123456789";
@@ -18,13 +21,6 @@ const std::string kBoth = kLetters + kDigits;
 constexpr char32_t kNoChinese = 0;
 constexpr char32_t kChinese = 0x9FA5;  // the last that names may have
 constexpr char32_t kAllChinese = 0x9FFF;
-
-/// `count` times the same characters.
-std::string times(std::size_t count, std::string_view characters) {
-    std::string text;
-    for (std::size_t i = 0; i < count; ++i) text += characters;
-    return text;
-}
 
 /// A character of the basic plane in UTF-8.
 std::string utf8Of(char32_t c) {

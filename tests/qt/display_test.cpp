@@ -1,35 +1,20 @@
 #include "qt/QtDisplay.h"
 
+#include "support/TestEnvironment.h"
+
 #include <gtest/gtest.h>
 #include <QByteArray>
-#include <map>
 #include <string>
+#include <vector>
 
 namespace halvane::test {
 namespace {
 
-/// The environment as a row wants it, and as it was afterwards.
-class Environment {
-public:
-    explicit Environment(const std::map<std::string, std::string>& wanted) {
-        for (const char* name : kNames) {
-            before_[name] = qgetenv(name);
-            const auto found = wanted.find(name);
-            found == wanted.end() ? qunsetenv(name) : qputenv(name, found->second.c_str());
-        }
-    }
-    ~Environment() {
-        for (const auto& [name, value] : before_) value.isEmpty() ? qunsetenv(name.c_str()) : qputenv(name.c_str(), value);
-    }
-
-private:
-    static constexpr const char* kNames[] = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
-    std::map<std::string, QByteArray> before_;
-};
+const std::vector<std::string> kNames = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
 
 struct Case {
     const char* name;
-    std::map<std::string, std::string> environment;
+    TestEnvironment::Values environment;
     const char* problem;  ///< a part of it; null: none
 };
 
@@ -38,7 +23,7 @@ void PrintTo(const Case& row, std::ostream* out) { *out << row.name; }
 class DisplayTest : public testing::TestWithParam<Case> {};
 
 TEST_P(DisplayTest, names_what_keeps_windows_away) {
-    const Environment environment(GetParam().environment);
+    const TestEnvironment environment(kNames, GetParam().environment);
     const auto problem = qt::displayProblem();
     ASSERT_EQ(problem.has_value(), GetParam().problem != nullptr) << problem.value_or("none");
     if (problem) {
@@ -64,7 +49,7 @@ INSTANTIATE_TEST_SUITE_P(
     });
 
 TEST(PlatformChoiceTest, leaves_the_choice_alone_where_no_x11_answers) {
-    const Environment environment(std::map<std::string, std::string>{{"DISPLAY", ":65000"}});
+    const TestEnvironment environment(kNames, {{"DISPLAY", ":65000"}});
     qt::choosePlatform();
     EXPECT_TRUE(qgetenv("QT_QPA_PLATFORM").isEmpty());
 }

@@ -1,5 +1,7 @@
 #include "util/Digest.h"
 
+#include "support/RepeatedText.h"
+
 #include <gtest/gtest.h>
 
 #include <numeric>
@@ -7,11 +9,7 @@
 namespace halvane::util {
 namespace {
 
-std::string times(int count, const std::string& text) {
-    std::string whole;
-    for (int i = 0; i < count; ++i) whole += text;
-    return whole;
-}
+using test::times;
 
 const std::string kFiveTwelveBits = "abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq";
 const std::string kNineHundredBits =
