@@ -39,7 +39,7 @@ DOORS = {
     "pugixml": (r"^pugixml", ("src/util/Xml.cpp",)),
     "ICU": (r"^unicode/", ("src/util/icu/",)),
     "NSS": (r"^(nss|nspr)/|^(nss|cert|pk11pub|p12|prerror|prinit|secmod|keyhi)\.h$", ("src/systools/security/",)),
-    "OpenSSL": (r"^openssl/", ("src/util/Base64.cpp", "src/util/Digest.cpp", "src/linux/http/", "src/systools/security/",
+    "OpenSSL": (r"^openssl/", ("src/util/Base64.cpp", "src/util/Digest.cpp", "src/util/PublicKey.cpp", "src/linux/http/", "src/systools/security/",
                                "server/authority/", "server/crypto/")),
     "SQLite": (r"^sqlite3", ("server/store/Database.", "server/store/Statement.")),
     "httplib": (r"^httplib\.h$", ("server/http/HttpServer.",)),
