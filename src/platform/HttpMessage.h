@@ -61,6 +61,15 @@ struct HttpRequest {
     std::shared_ptr<HttpBodyStream> bodyStream;  ///< upload tasks; used by one task at a time
     /// Longest time in which no byte moves; begins when the transfer begins. Not positive: default.
     std::chrono::milliseconds timeout = kDefaultTimeout;
+
+    enum class Redirects {
+        AnyScheme,
+        SameScheme  ///< one from https to http, or the other way, fails the task with RedirectRefused
+    };
+    Redirects redirects = Redirects::AnyScheme;
+    /// A reply with a longer body fails the task with TooLarge, as soon as that is known. Absent: the transport's own limit for
+    /// what stands in memory, none for files.
+    std::optional<std::uint64_t> largestReply;
 };
 
 /// Status line and headers of a reply.

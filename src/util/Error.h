@@ -16,8 +16,10 @@ enum class UrlError : int {
     CannotConnect = -1004,        ///< refused, or no route to the host
     ConnectionLost = -1005,       ///< closed after it had been established, before the reply was whole
     NotConnected = -1009,         ///< this computer has no network
+    RedirectRefused = -1010,      ///< the server redirected to another scheme, which the caller forbade
     BadServerResponse = -1011,    ///< not HTTP, or a status outside 200-299
     CannotDecode = -1016,         ///< a body of another content type, or one that does not decode
+    TooLarge = -1103,             ///< the body is longer than the caller allows
     CannotWriteFile = -3003,      ///< a download could not be written to its destination
     SecureConnection = -1200,     ///< the TLS handshake failed
     UntrustedCertificate = -1202  ///< the server's certificate is not trusted for this host

@@ -32,6 +32,12 @@ void dropSecrets(platform::HttpHeaders& headers) {
     headers = std::move(kept);
 }
 
+bool isSameScheme(const std::string& from, const std::optional<std::string>& to) {
+    const auto old = util::originOf(from);
+    const auto next = to ? util::originOf(*to) : std::nullopt;
+    return old && next && old->scheme == next->scheme;
+}
+
 bool becomesGet(int status, const std::string& method) {
     if (status == 303) return method != "GET" && method != "HEAD";
     return (status == 301 || status == 302) && method == "POST";
@@ -46,6 +52,8 @@ bool isRedirect(const platform::HttpResponse& response) {
 
 util::Result<void> applyRedirect(platform::HttpRequest& request, const platform::HttpResponse& response) {
     const auto target = util::resolvedUrl(request.url, *response.headers.find("Location"));
+    if (request.redirects == platform::HttpRequest::Redirects::SameScheme && !isSameScheme(request.url, target))
+        return util::urlError(util::UrlError::RedirectRefused, "The server redirected to an address of another scheme.");
     if (!target) return util::urlError(util::UrlError::BadUrl, "The server redirected to an address that is not http or https.");
     if (becomesGet(response.status, request.method)) {
         request.method = "GET";

@@ -83,12 +83,14 @@ bool Transfer::onHeadComplete() {
         body_ = Body::Discard;
     } else if (!task_->isDownload()) {
         body_ = Body::Keep;
+        if (isTooLarge(announcedLength().value_or(0))) return refuseTooLarge();
         constexpr std::uint64_t kMostReserved = 1024UL * 1024UL;  // an announcement alone gets no more memory
         outcome_.body.reserve(static_cast<std::size_t>(std::min(announcedLength().value_or(0), kMostReserved)));
     } else if (!response.isSuccess()) {
         body_ = Body::Discard;
     } else {
         body_ = Body::File;
+        if (isTooLarge(announcedLength().value_or(0))) return refuseTooLarge();
         if (const auto opened = file_.open(task_->destinationFor(response)); !opened) return refuse(opened.error());
     }
     return true;
@@ -110,7 +112,15 @@ bool Transfer::onBody(std::string_view bytes) {
     return take(bytes);
 }
 
+bool Transfer::isTooLarge(std::uint64_t length) const { return length > task_->request().largestReply.value_or(length); }
+
+bool Transfer::refuseTooLarge() {
+    outcome_.body = {};
+    return refuse(urlError(UrlError::TooLarge, "The server's reply is longer than was asked for."));
+}
+
 bool Transfer::take(std::string_view bytes) {
+    if (body_ != Body::Discard && isTooLarge(received_)) return refuseTooLarge();
     switch (body_) {
         case Body::Keep:
             if (received_ > context_.largestBody) {

@@ -71,6 +71,8 @@ private:
     [[nodiscard]] std::optional<std::uint64_t> announcedLength();
     bool refuse(util::Error error);
     bool take(std::string_view bytes);
+    [[nodiscard]] bool isTooLarge(std::uint64_t length) const;
+    bool refuseTooLarge();
     std::optional<util::Error> judge(CURLcode code);
     std::optional<util::Error> completeDownload();
     void reportProgress(CurlTask::Direction direction, std::uint64_t completed);

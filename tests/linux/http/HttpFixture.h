@@ -53,12 +53,15 @@ protected:
     platform::HttpDataResult get(const std::string& url) { return send({.url = url}); }
 
     platform::HttpDownloadResult download(const std::string& url, const std::filesystem::path& destination) {
+        return download(platform::HttpRequest{.url = url}, destination);
+    }
+    platform::HttpDownloadResult download(platform::HttpRequest request, const std::filesystem::path& destination) {
         if (!session) makeSession();
         auto promise = std::make_shared<std::promise<platform::HttpDownloadResult>>();
         auto ended = promise->get_future();
         session
-            ->downloadTask({.url = url}, {.destination = [destination](const auto&) { return destination; },
-                                          .onCompletion = [promise](auto result) { promise->set_value(std::move(result)); }})
+            ->downloadTask(std::move(request), {.destination = [destination](const auto&) { return destination; },
+                                                .onCompletion = [promise](auto result) { promise->set_value(std::move(result)); }})
             ->resume();
         return awaited<platform::HttpDownloadResult>(ended);
     }

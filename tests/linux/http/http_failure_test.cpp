@@ -181,6 +181,34 @@ TEST_F(HttpFailure, a_body_above_the_limit_is_refused) {
     }
 }
 
+TEST_F(HttpFailure, a_body_above_what_the_request_allows_is_refused_as_soon_as_that_is_known) {
+    struct Row {
+        const char* name;
+        std::string reply;
+        int expected;
+    };
+    const std::string text(1'000, 'x');
+    const Row rows[] = {
+        {"as long as allowed", okReply(text), 0},
+        {"one byte too many", okReply(text + "y"), asCode(UrlError::TooLarge)},
+        {"without a length", "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + text + "y", asCode(UrlError::TooLarge)},
+        {"announced, not sent", "HTTP/1.1 200 OK\r\nContent-Length: 1001\r\n\r\nabc", asCode(UrlError::TooLarge)},
+        {"an error's page", "HTTP/1.1 404 Not Found\r\nContent-Length: 1000\r\n\r\n" + text, 0},
+    };
+    const auto file = std::filesystem::temp_directory_path() / ("halvane-too-large-" + std::to_string(::getpid()));
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        LoopbackServer server(LoopbackServer::replying(row.reply));
+        makeSession();
+        const platform::HttpRequest request{.url = server.url(), .largestReply = 1'000};
+        EXPECT_EQ(codeOf(send(request)), row.expected);
+        const auto result = download(request, file);
+        const bool isSuccess = result.response && result.response->isSuccess();
+        EXPECT_EQ(codeOf(result), isSuccess ? row.expected : asCode(UrlError::BadServerResponse));
+        EXPECT_EQ(std::filesystem::remove(file), row.expected == 0 && isSuccess);
+    }
+}
+
 TEST_F(HttpFailure, silence_times_out_wherever_it_falls) {
     struct Row {
         const char* name;

@@ -145,6 +145,21 @@ TEST_F(HttpRedirect, what_cannot_be_followed_fails) {
     }
 }
 
+TEST_F(HttpRedirect, who_wants_to_stay_in_a_scheme_does) {
+    const std::pair<const char*, UrlError> rows[] = {{"https://127.0.0.1:1/x", UrlError::RedirectRefused},
+                                                     {"HTTPS://127.0.0.1:1/x", UrlError::RedirectRefused},
+                                                     {"ftp://127.0.0.1/x", UrlError::RedirectRefused},
+                                                     {"file:///etc/passwd", UrlError::RedirectRefused}};
+    for (const auto& [location, expected] : rows) {
+        LoopbackServer server(startingWith(redirect(302, location)));
+        makeSession();
+        EXPECT_EQ(codeOf(send({.url = server.url("/start"), .redirects = HttpRequest::Redirects::SameScheme})), static_cast<int>(expected))
+            << location;
+    }
+    LoopbackServer server(startingWith(redirect(302, "/next")));
+    EXPECT_EQ(send({.url = server.url("/start"), .redirects = HttpRequest::Redirects::SameScheme}).body, "there");
+}
+
 TEST_F(HttpRedirect, a_stream_that_cannot_go_back_is_not_sent_twice) {
     LoopbackServer server(startingWith(redirect(307, "/next")));
     auto stream = std::make_shared<TextStream>("body", TextStream::Rewinding::Impossible);
