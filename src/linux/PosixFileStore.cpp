@@ -105,6 +105,14 @@ util::Result<void> PosixFileStore::remove(const std::filesystem::path& path) {
     return {};
 }
 
+util::Result<void> PosixFileStore::removeDirectory(const std::filesystem::path& path) {
+    if (!isUsable(path)) return failure(EINVAL, "remove", path);
+    std::error_code failed;
+    std::filesystem::remove_all(path, failed);
+    if (failed) return failure(failed.value(), "remove", path);
+    return {};
+}
+
 bool PosixFileStore::exists(const std::filesystem::path& path) const {
     std::error_code ignored;
     return isUsable(path) && std::filesystem::exists(path, ignored);

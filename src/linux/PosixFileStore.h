@@ -17,6 +17,7 @@ public:
     util::Result<void> write(const std::filesystem::path& path, const util::Bytes& bytes) override;
     util::Result<void> makeDirectory(const std::filesystem::path& path) override;
     util::Result<void> remove(const std::filesystem::path& path) override;
+    util::Result<void> removeDirectory(const std::filesystem::path& path) override;
     [[nodiscard]] bool exists(const std::filesystem::path& path) const override;
 };
 

@@ -17,6 +17,8 @@ public:
     /// With missing parents, each 0700. An existing directory is a success.
     virtual util::Result<void> makeDirectory(const std::filesystem::path& path) = 0;
     virtual util::Result<void> remove(const std::filesystem::path& path) = 0;
+    /// With all that is in it; links in it are removed, not followed. One that is not there is a success.
+    virtual util::Result<void> removeDirectory(const std::filesystem::path& path) = 0;
     [[nodiscard]] virtual bool exists(const std::filesystem::path& path) const = 0;
 };
 

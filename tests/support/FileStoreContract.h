@@ -62,7 +62,20 @@ TYPED_TEST_P(FileStoreContract, a_removed_file_is_gone) {
     this->expectFileError(this->store().read(this->at("file")).error(), ENOENT);
 }
 
+TYPED_TEST_P(FileStoreContract, a_removed_directory_is_gone_with_what_is_in_it_and_nothing_else) {
+    ASSERT_TRUE(this->store().makeDirectory(this->at("a/b/c")));
+    ASSERT_TRUE(this->store().makeDirectory(this->at("a/bb")));
+    ASSERT_TRUE(this->store().write(this->at("a/b/c/file"), "x"));
+    ASSERT_TRUE(this->store().write(this->at("a/bb/file"), "x"));
+    for (int time = 0; time < 2; ++time) {
+        ASSERT_TRUE(this->store().removeDirectory(this->at("a/b")));
+        EXPECT_FALSE(this->store().exists(this->at("a/b/c/file")) || this->store().exists(this->at("a/b")));
+        EXPECT_TRUE(this->store().exists(this->at("a/bb/file")));
+    }
+}
+
 REGISTER_TYPED_TEST_SUITE_P(FileStoreContract, reads_the_bytes_that_were_written_last, a_missing_file_is_told_apart_from_other_failures,
-                            a_directory_is_made_with_its_parents_and_may_exist, a_removed_file_is_gone);
+                            a_directory_is_made_with_its_parents_and_may_exist, a_removed_file_is_gone,
+                            a_removed_directory_is_gone_with_what_is_in_it_and_nothing_else);
 
 }  // namespace halvane::test

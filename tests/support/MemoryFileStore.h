@@ -36,6 +36,14 @@ public:
         if (files.erase(path) == 0) return util::fileError(ENOENT, path);
         return {};
     }
+    util::Result<void> removeDirectory(const std::filesystem::path& path) override {
+        calls.push_back("remove all of " + path.string());
+        if (refuseRemoval) return util::fileError(EACCES, path);
+        const auto isInside = [&path](const std::filesystem::path& each) { return (each / "").native().starts_with((path / "").native()); };
+        std::erase_if(files, [&](const auto& file) { return isInside(file.first); });
+        std::erase_if(directories, isInside);
+        return {};
+    }
     bool exists(const std::filesystem::path& path) const override { return files.contains(path) || directories.contains(path); }
 
     std::map<std::filesystem::path, util::Bytes> files;

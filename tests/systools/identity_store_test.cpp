@@ -21,6 +21,7 @@ public:
     util::Result<void> remove(const std::filesystem::path& path) override {
         return refuse ? util::fileError(EROFS, "remove " + path.string()) : files_.remove(path);
     }
+    util::Result<void> removeDirectory(const std::filesystem::path& path) override { return files_.removeDirectory(path); }
     bool exists(const std::filesystem::path& path) const override { return files_.exists(path); }
 
     bool refuse = false;
