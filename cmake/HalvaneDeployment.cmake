@@ -17,3 +17,16 @@ if(HALVANE_COMPANY_ROOT)
   endif()
   string(REGEX REPLACE "[ \r\n]" "" HALVANE_COMPANY_ROOT_BASE64 "${CMAKE_MATCH_1}")
 endif()
+
+# A key that is none would be found out only when the first update is refused.
+set(key_pattern "^[A-Za-z0-9+/]+=$")
+string(LENGTH "${HALVANE_UPDATE_PUBLIC_KEY}" key_length)
+if(HALVANE_UPDATE_PUBLIC_KEY AND NOT (key_length EQUAL 44 AND HALVANE_UPDATE_PUBLIC_KEY MATCHES "${key_pattern}"))
+  message(FATAL_ERROR "HALVANE_UPDATE_PUBLIC_KEY: not the base64 of 32 bytes, as `halvane-server feed key` prints it")
+endif()
+if((HALVANE_UPDATE_PUBLIC_KEY AND NOT HALVANE_UPDATE_FEED_URL) OR (HALVANE_UPDATE_FEED_URL AND NOT HALVANE_UPDATE_PUBLIC_KEY))
+  message(FATAL_ERROR "HALVANE_UPDATE_FEED_URL and HALVANE_UPDATE_PUBLIC_KEY go together")
+endif()
+
+# Which of the feed's packages run here.
+execute_process(COMMAND dpkg --print-architecture OUTPUT_VARIABLE HALVANE_ARCHITECTURE OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)

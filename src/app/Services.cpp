@@ -6,12 +6,12 @@
 #include "device/HVDeviceInfoHelper.h"
 #include "device/HVDeviceStatusMonitoring.h"
 #include "device/HVDeviceUsageInfoManager.h"
+#include "linux/PkexecPackageInstaller.h"
 #include "linux/PolkitAuthorization.h"
 #include "linux/PosixFileStore.h"
 #include "linux/PosixProcessLauncher.h"
 #include "linux/PropertyListPreferences.h"
 #include "linux/SecretServiceKeychain.h"
-#include "linux/UnavailableUpdater.h"
 #include "linux/UnixSingleInstance.h"
 #include "linux/XdgDirectories.h"
 #include "linux/base/AsioDispatchQueues.h"
@@ -32,6 +32,8 @@
 #include "session/WorkAddressInfoHelper.h"
 #include "tools/HVMobileConfigTool.h"
 #include "tools/UninstallAuthorisation.h"
+#include "update/AppcastUpdater.h"
+#include "update/UnavailableUpdater.h"
 #include "util/NotificationCenter.h"
 #include "util/SharedInstance.h"
 
@@ -58,12 +60,14 @@ struct Services::Parts {
         : mainLoop(std::move(loop)),
           directories(std::move(places)),
           preferences(files, directories.configuration() / "preferences.plist", log),
-          updater(log, settings.inform),
           launcher(std::make_unique<linux::PosixProcessLauncher>(settings.toolRoot)),
           reachability(*mainLoop),
           client({transport, mainLoop, user, directories, reachability, userAgent, settings.language}),
           requests(client, settings.serverBaseUrl),
-          serverBaseUrl(settings.serverBaseUrl) {}
+          serverBaseUrl(settings.serverBaseUrl),
+          updater(makeUpdater(settings)) {}
+
+    [[nodiscard]] std::unique_ptr<platform::Updater> makeUpdater(const Settings& settings);
 
     const std::shared_ptr<platform::MainLoop> mainLoop;
     const std::string userAgent = std::string("Halvane/") + Deployment::kVersion;
@@ -80,7 +84,6 @@ struct Services::Parts {
     linux::LinuxNetworkInterfaces interfaces{systemFiles};
     linux_http::CurlTransport transport;
     linux::PolkitAuthorization authorization{linux::ToolRoot(Deployment::kInstalledTools), log};
-    linux::UnavailableUpdater updater;
     std::unique_ptr<linux::PosixProcessLauncher> launcher;
     linux::NetworkManagerReachability reachability;
     std::unique_ptr<linux::UnixSingleInstance> singleInstance =
@@ -90,6 +93,8 @@ struct Services::Parts {
     std::shared_ptr<platform::DispatchQueue> toolQueue = queues->makeSerial("com.halvane.tools");
     // Of its own, because a certificate's import may keep the tools busy for long.
     std::shared_ptr<platform::DispatchQueue> uninstallQueue = queues->makeSerial("com.halvane.uninstall");
+    // Of its own, because installing takes as long as the person and the package manager do.
+    std::shared_ptr<platform::DispatchQueue> updateQueue = queues->makeSerial("com.halvane.update");
     std::shared_ptr<platform::DispatchQueue> workQueue = queues->makeConcurrent("com.halvane.work");
 
     util::NotificationCenter notifications;
@@ -108,7 +113,35 @@ struct Services::Parts {
         {files, directories, *launcher, device, log, {authorization, *mainLoop, notifications, log, [] { return currentDirectory(); }}}};
     login::CertificateFetch certificates{{*toolQueue, files, log, user, requests, device, profiles}};
     std::string serverBaseUrl;
+    std::unique_ptr<platform::PackageInstaller> installer =
+        std::make_unique<linux::PkexecPackageInstaller>(linux::PkexecPackageInstaller::Collaborators{
+            std::string(Deployment::kInstalledTools) + "/install-update", linux::PkexecChild(), updateQueue, mainLoop});
+    std::unique_ptr<platform::Updater> updater;
 };
+
+std::unique_ptr<platform::Updater> Services::Parts::makeUpdater(const Settings& settings) {
+    const auto key = util::PublicKey::fromBase64(Deployment::kUpdatePublicKey);
+    if (!key) return std::make_unique<update::UnavailableUpdater>(log, settings.inform);
+    const util::Dictionary system = version.propertyList();
+    const util::Value* systemVersion = system.find("ProductVersion");
+    return std::make_unique<update::AppcastUpdater>(update::AppcastUpdater::Collaborators{
+        .transport = transport,
+        .preferences = preferences,
+        .files = files,
+        .installer = *installer,
+        .log = log,
+        .mainQueue = mainLoop,
+        .worker = workQueue,
+        .directory = directories.caches() / "updates",
+        .source = {.feedUrl = Deployment::kUpdateFeedUrl, .key = *key, .userAgent = userAgent},
+        .client = {.package = Deployment::kPackage,
+                   .version = Deployment::kVersion,
+                   .architecture = Deployment::kArchitecture,
+                   .systemVersion = util::textOf(systemVersion).value_or("")},
+        .now = [] { return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()); },
+        .makeScreen = settings.makeUpdateScreen,
+        .restart = settings.restart});
+}
 
 util::Result<std::unique_ptr<Services>> Services::make(const Settings& settings, std::shared_ptr<platform::MainLoop> mainLoop) {
     auto directories = linux::XdgDirectories::locate(settings.resources);
@@ -127,6 +160,9 @@ Services::Services(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {
 Services::~Services() {
     // From now on nobody would follow a later start's wish: it must find no running client.
     parts_->singleInstance.reset();
+    // An installation goes on without us; nobody waits for it any more.
+    parts_->updater.reset();
+    parts_->installer.reset();
     // A password that was typed a moment ago is still on its way to the store, a locked computer's certificate
     // out of it.
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
@@ -148,7 +184,7 @@ Services::~Services() {
 
 platform::Reachability& Services::reachability() { return parts_->reachability; }
 platform::SingleInstance& Services::singleInstance() { return *parts_->singleInstance; }
-platform::Updater& Services::updater() { return parts_->updater; }
+platform::Updater& Services::updater() { return *parts_->updater; }
 util::NotificationCenter& Services::notifications() { return parts_->notifications; }
 util::Log& Services::log() { return parts_->log; }
 session::HDCLUserConfig& Services::user() { return parts_->user; }

@@ -34,6 +34,9 @@ class WorkAddressInfoHelper;
 namespace halvane::tools {
 class UninstallAuthorisation;
 }
+namespace halvane::update {
+class UpdateScreen;
+}
 
 namespace halvane::app {
 
@@ -49,6 +52,8 @@ public:
         std::filesystem::path resources;                 ///< files shipped with the program
         std::string language;                            ///< such as "zh-CN"
         std::function<void(const std::string&)> inform;  ///< shows the person a sentence
+        std::function<std::unique_ptr<update::UpdateScreen>()> makeUpdateScreen;
+        std::function<void()> restart;  ///< ends the program and begins the installed one
     };
 
     /// Errors are sentences for the person at the terminal, such as that there is no home directory.

@@ -33,7 +33,8 @@ Surroundings Surroundings::ofThisProcess() {
         const std::string path = variable(name);
         return path.empty() ? otherwise : std::filesystem::path(path);
     };
-    return {.toolRoot = chosen("HALVANE_TOOL_ROOT", prefix / "libexec/halvane"),
+    return {.program = program,
+            .toolRoot = chosen("HALVANE_TOOL_ROOT", prefix / "libexec/halvane"),
             .resources = chosen("HALVANE_RESOURCES", prefix / "share/halvane"),
             .server = variable("HALVANE_SERVER"),
             .language = desktopLanguage()};

@@ -7,6 +7,7 @@ namespace halvane::app {
 
 /// Where the program stands and in what surroundings it was started.
 struct Surroundings {
+    std::filesystem::path program;    ///< the file that runs, as it was called when it was started
     std::filesystem::path toolRoot;   ///< HALVANE_TOOL_ROOT, else libexec/halvane beside the program's directory
     std::filesystem::path resources;  ///< HALVANE_RESOURCES, else share/halvane beside the program's directory
     std::string server;               ///< HALVANE_SERVER, unchecked; empty when it is not set

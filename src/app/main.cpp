@@ -11,9 +11,14 @@
 #include "request/XMEngine.h"
 #include "ui/widgets/AlertSheet.h"
 #include "ui/widgets/HDCLUICenter.h"
+#include "update/UpdateWindow.h"
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -60,12 +65,43 @@ int runClient(QApplication& application, app::Services& services, const std::vec
     return exitCode;
 }
 
+/// The client in its surroundings, whole. Answers the exit code; `restartWanted` when an installed update is to take over.
+int run(int argc, char** argv, const app::CommandLine& line, const app::Surroundings& surroundings, bool& restartWanted) {
+    qt::choosePlatform();
+    qt::QtApplication application(argc, argv);
+    ui::HDCLUICenter::applyTo(application);
+    const auto services = app::Services::make(
+        {.serverBaseUrl = line.server.value_or(app::Deployment::kServerBaseUrl),
+         .toolRoot = surroundings.toolRoot,
+         .resources = surroundings.resources,
+         .language = surroundings.language,
+         .inform = [](const std::string& text) { ui::AlertSheet::presentWhereThePersonIs(QString::fromStdString(text)); },
+         .makeUpdateScreen = [] { return std::make_unique<update::UpdateWindow>(); },
+         .restart =
+             [&restartWanted] {
+                 restartWanted = true;
+                 QCoreApplication::quit();
+             }},
+        std::make_shared<qt::QtMainLoop>());
+    if (!services) return complain(services.error().description, kCannotRun);
+    request::XMEngine::load((*services)->reachability());
+    return runClient(application, **services, {argv + 1, argv + argc}, line.wish);
+}
+
+/// Becomes the program that stands there now. Comes back only when that cannot be.
+int beginAnew(const std::filesystem::path& program, const std::optional<std::string>& server) {
+    std::string name = program.string();
+    std::string option = "--server=" + server.value_or("");
+    char* arguments[] = {name.data(), server ? option.data() : nullptr, nullptr};
+    ::execv(name.c_str(), arguments);
+    return complain("cannot start " + name + " anew: " + std::strerror(errno), kCannotRun);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);  // a reader that went away is an error of the write, not our end
-    const std::vector<std::string> arguments(argv + 1, argv + argc);
-    auto line = app::CommandLine::parse(arguments);
+    auto line = app::CommandLine::parse({argv + 1, argv + argc});
     if (!line) return complain(line.error().description, kWrongArguments);
     if (line->action == app::CommandLine::Action::ShowHelp)
         return std::fputs(app::CommandLine::help().c_str(), stdout) < 0 ? kCannotRun : kEnded;
@@ -73,23 +109,13 @@ int main(int argc, char** argv) {
         return std::printf("halvane %s\n", app::Deployment::kVersion) < 0 ? kCannotRun : kEnded;
 
     const auto surroundings = app::Surroundings::ofThisProcess();
+    const auto given = line->server;
     if (!line->server && !surroundings.server.empty()) {
         line->server = app::CommandLine::serverAddress(surroundings.server);
         if (!line->server) return complain("HALVANE_SERVER is no address that begins with http:// or https://", kWrongArguments);
     }
     if (const auto problem = qt::displayProblem()) return complain(*problem, kCannotRun);
-
-    qt::choosePlatform();
-    qt::QtApplication application(argc, argv);
-    ui::HDCLUICenter::applyTo(application);
-    const auto services = app::Services::make(
-        {.serverBaseUrl = line->server.value_or(app::Deployment::kServerBaseUrl),
-         .toolRoot = surroundings.toolRoot,
-         .resources = surroundings.resources,
-         .language = surroundings.language,
-         .inform = [](const std::string& text) { ui::AlertSheet::presentWhereThePersonIs(QString::fromStdString(text)); }},
-        std::make_shared<qt::QtMainLoop>());
-    if (!services) return complain(services.error().description, kCannotRun);
-    request::XMEngine::load((*services)->reachability());
-    return runClient(application, **services, arguments, line->wish);
+    bool restartWanted = false;
+    const int exitCode = run(argc, argv, *line, surroundings, restartWanted);
+    return restartWanted ? beginAnew(surroundings.program, given) : exitCode;
 }

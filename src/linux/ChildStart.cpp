@@ -66,10 +66,11 @@ public:
     /// 0, or the errno of what failed.
     int spawn(pid_t& pid, const ChildStart& child, char** arguments, char** environment) {
         // Also right when a descriptor is the standard one itself, as it is when ours was closed: the child's stays open then.
-        int code = duplicate(child.standardOutput, STDOUT_FILENO);
+        int code = duplicate(child.standardInput, STDIN_FILENO);
+        if (code == 0) code = duplicate(child.standardOutput, STDOUT_FILENO);
         if (code == 0) code = duplicate(child.standardError, STDERR_FILENO);
         if (code == 0) code = duplicate(child.extra, kExtra);
-        if (code == 0 && child.withoutInput) code = ::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        if (code == 0 && child.withoutInput && !child.standardInput) code = ::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         std::error_code unknown;
         if (code == 0 && child.directory && std::filesystem::is_directory(*child.directory, unknown) &&
             ::access(child.directory->c_str(), X_OK) == 0)

@@ -17,11 +17,12 @@ struct ChildStart {
     std::string program;                                                ///< the file
     std::vector<std::string> arguments;                                 ///< with the program's own name first
     std::vector<std::pair<std::string, std::string>> environment = {};  ///< added to ours
+    std::optional<int> standardInput = {};
     std::optional<int> standardOutput = {};
     std::optional<int> standardError = {};
     /// Becomes the child's descriptor 3.
     std::optional<int> extra = {};
-    bool withoutInput = false;                  ///< reads from /dev/null
+    bool withoutInput = false;                  ///< reads from /dev/null; without effect when there is an input
     std::optional<std::string> directory = {};  ///< one that cannot be entered: ours
 
     /// The child's process id. Error: an errno, `subject` in its text. Texts with a NUL are EINVAL.

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <iterator>
 #include <thread>
 
 namespace halvane::linux {
@@ -24,16 +25,16 @@ using platform::OSStatus;
 constexpr int kDismissed = 126;
 constexpr int kNotStarted = 127;
 
-/// False when it has not closed in time.
-bool markerCloses(int marker, std::chrono::milliseconds longest) {
-    pollfd wait{marker, POLLIN, 0};
+/// False when it has not closed in time, or before `stop` became readable.
+bool markerCloses(int marker, std::chrono::milliseconds longest, int stop = -1) {
+    pollfd waits[] = {{marker, POLLIN, 0}, {stop, POLLIN, 0}};
     const auto end = std::chrono::steady_clock::now() + longest;
     int ready = 0;
     do {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-        ready = ::poll(&wait, 1, static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
+        ready = ::poll(waits, std::size(waits), static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
     } while (ready < 0 && errno == EINTR);
-    return ready > 0;
+    return ready > 0 && waits[0].revents != 0;
 }
 
 /// By the administrator: others need not be allowed to.
@@ -75,6 +76,7 @@ PkexecChild::Started PkexecChild::start(const Order& order) const {
     ChildStart child{.program = pkexec_.string(), .arguments = std::move(words), .standardOutput = output->writeEnd.get()};
     if (order.readsErrors) child.standardError = errors->writeEnd.get();
     child.extra = marker->writeEnd.get();
+    child.standardInput = order.input;
     child.withoutInput = true;
     child.directory = order.workingDirectory;
     // It refuses to work for people whose shell is none of the system's.
@@ -82,15 +84,15 @@ PkexecChild::Started PkexecChild::start(const Order& order) const {
     const auto process = child.start(subject);
     if (!process) return {.status = platform::kAuthorizationToolExecuteFailure};
     marker->writeEnd.close();
-    const OSStatus status = awaitStart(*process, marker->readEnd.get());
+    const OSStatus status = awaitStart(*process, marker->readEnd.get(), order.stop);
     if (status != platform::kAuthorizationSuccess) return {.status = status};
     return {.status = status, .process = *process, .output = std::move(output->readEnd), .errors = std::move(errors->readEnd)};
 }
 
 /// pkexec marks all descriptors but the standard ones to be closed at the moment at which it becomes the program. So
 /// the marker is closed by that, or by pkexec's own end; the process's name, which outlives its end, tells which.
-OSStatus PkexecChild::awaitStart(pid_t process, int marker) const {
-    if (!markerCloses(marker, longestQuestion_)) {
+OSStatus PkexecChild::awaitStart(pid_t process, int marker, int stop) const {
+    if (!markerCloses(marker, longestQuestion_, stop)) {
         // Where that is not allowed, the person has agreed at this very moment.
         if (::kill(process, SIGTERM) == 0) {
             ChildStart::awaitEnd(process);

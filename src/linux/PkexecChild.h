@@ -20,7 +20,9 @@ public:
         std::string program;  ///< absolute
         std::vector<std::string> arguments;
         std::string workingDirectory;
-        bool readsErrors = false;  ///< standard error in a pipe too
+        bool readsErrors = false;       ///< standard error in a pipe too
+        std::optional<int> input = {};  ///< descriptor that the program reads from; absent: from nothing
+        int stop = -1;                  ///< descriptor; as soon as it becomes readable the question is taken back
     };
     struct Started {
         platform::OSStatus status = platform::kAuthorizationSuccess;
@@ -42,7 +44,7 @@ public:
     [[nodiscard]] Started start(const Order& order) const;
 
 private:
-    [[nodiscard]] platform::OSStatus awaitStart(pid_t process, int marker) const;
+    [[nodiscard]] platform::OSStatus awaitStart(pid_t process, int marker, int stop) const;
 
     const PolkitAuthority authority_;
     const std::filesystem::path pkexec_;

@@ -6,7 +6,7 @@
 #include <functional>
 #include <utility>
 
-namespace halvane::linux {
+namespace halvane::update {
 
 /// The updater of a program that was built without an update feed: says so in the log once, finds
 /// nothing, and tells the person who asks for a check. Main thread; `log` outlives it.
@@ -35,4 +35,4 @@ private:
     bool said_ = false;
 };
 
-}  // namespace halvane::linux
+}  // namespace halvane::update

@@ -5,23 +5,24 @@ import re
 VIEW = re.compile(r"(View|Window|Panel|Cell)$")
 # Folders that are Qt's own, and folders that may have views.
 QT_FOLDERS = ("src/app/", "src/qt/", "src/ui/")
-VIEW_FOLDERS = ("src/login/", "src/device/", "src/tools/")
+VIEW_FOLDERS = ("src/login/", "src/device/", "src/tools/", "src/update/")
 QT_HEADER = re.compile(r"^(Qt[A-Z]\w*/.*|Q[A-Z]\w*|Qt\w*|q[a-z_]+\.h)$")
 
 # Areas that only the assembly names: what they offer has a port, or, the request layer, stands for itself.
-ONLY_FOR_THE_ASSEMBLY = {"linux", "linux/http", "qt", "request"}
+ONLY_FOR_THE_ASSEMBLY = {"linux", "linux/http", "qt", "request", "update"}
 # Areas with fewer neighbours than their floor would allow.
 NARROW = {
     "linux/http": {"platform", "util"},
     "linux": {"platform", "util"},
     "qt": {"platform", "util"},
     "systools": {"linux", "platform", "util"},
+    "installer": {"linux", "util"},
     "ui/widgets": {"platform", "util"},
     "request": {"http", "platform", "util"},
     "request/factory": {"request", "linux", "linux/http", "http", "platform", "util"},
 }
 # Areas that nobody includes: programs of their own, and what puts the request layer together for others.
-UNUSED_BY_AREAS = {"systools", "request/factory", "app"}
+UNUSED_BY_AREAS = {"systools", "installer", "request/factory", "app"}
 WIDGETS = "ui/widgets"
 
 # Each library and the files that may include it, by the beginning of their path. One door: its types

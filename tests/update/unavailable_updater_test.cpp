@@ -1,11 +1,11 @@
-#include "linux/UnavailableUpdater.h"
 #include "support/RecordingLog.h"
+#include "update/UnavailableUpdater.h"
 
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
-namespace halvane::linux {
+namespace halvane::update {
 namespace {
 
 TEST(UnavailableUpdater, quiet_checks_end_in_one_line_of_the_log_and_only_a_person_who_asks_is_told) {
@@ -26,4 +26,4 @@ TEST(UnavailableUpdater, quiet_checks_end_in_one_line_of_the_log_and_only_a_pers
 }
 
 }  // namespace
-}  // namespace halvane::linux
+}  // namespace halvane::update

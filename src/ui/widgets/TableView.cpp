@@ -2,6 +2,7 @@
 
 #include "ui/widgets/HDCLUICenter.h"
 #include "ui/widgets/RowView.h"
+#include "ui/widgets/ScrollBar.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -16,17 +17,6 @@ namespace halvane::ui {
 namespace {
 
 using C = HDCLUICenter;
-
-/// A thumb of 6 pixels and nothing else.
-QString scrollBarStyle() {
-    return QStringLiteral(
-               "QScrollBar:vertical { width: 14px; margin: 0; background: transparent; border: none }"
-               "QScrollBar::handle:vertical { min-height: 32px; margin: 0 4px; border-radius: 3px; background: %1 }"
-               "QScrollBar::handle:vertical:disabled { background: transparent }"
-               "QScrollBar::add-line, QScrollBar::sub-line { height: 0 }"
-               "QScrollBar::add-page, QScrollBar::sub-page { background: transparent }")
-        .arg(C::colorEdge.name());
-}
 
 }  // namespace
 
@@ -61,8 +51,7 @@ TableView::TableView(const QString& name, const Settings& settings, DataSource d
         // Always there, so that rows do not change their width; its thumb only when there is a way to go.
         setVerticalScrollBarPolicy(settings.frame == Frame::None ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
         QScrollBar* bar = verticalScrollBar();
-        bar->setStyleSheet(scrollBarStyle());
-        bar->setAccessibleName(QStringLiteral("滚动条"));
+        ScrollBar::applyTo(*bar);
         QObject::connect(bar, &QScrollBar::rangeChanged, bar, [bar](int least, int most) { bar->setEnabled(most > least); });
     }
     auto* content = new QWidget;

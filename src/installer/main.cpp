@@ -1,0 +1,65 @@
+#include "installer/UpdateInstallation.h"
+#include "linux/base/SystemLog.h"
+#include "util/UpdateError.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+using namespace halvane;
+
+constexpr int kUsage = 64;
+constexpr int kForbidden = 77;
+constexpr int kNotConfigured = 78;
+
+int complain(const std::string& problem, int exitCode) {
+    std::fprintf(stdout, "%s\n", problem.c_str());
+    return exitCode;
+}
+
+/// Whatever happens to who called us, the package manager is not to be stopped in the middle; and nothing of the caller's
+/// surroundings reaches it.
+void standAlone() {
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE}) std::signal(signal, SIG_IGN);
+    ::setsid();
+    ::umask(022);
+    ::clearenv();
+    ::setenv("PATH", "/usr/sbin:/usr/bin:/sbin:/bin", 1);
+    ::setenv("HOME", "/root", 1);
+    ::setenv("LC_ALL", "C.UTF-8", 1);
+    ::setenv("DEBIAN_FRONTEND", "noninteractive", 1);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::string signature = argc == 2 ? argv[1] : "";
+    if (signature.empty() || signature.starts_with('-')) {
+        return complain(
+            "usage: install-update SIGNATURE < PACKAGE\n"
+            "Installs the package over the client, when it is a higher version and signed by the company. For the administrator;\n"
+            "the client calls it.",
+            kUsage);
+    }
+    if (::geteuid() != 0) return complain("only the administrator may install updates", kForbidden);
+    const auto key = util::PublicKey::fromBase64(HALVANE_UPDATE_PUBLIC_KEY);
+    if (!key) return complain("this client was built without a key for updates", kNotConfigured);
+    const char* caller = std::getenv("PKEXEC_UID");
+    const std::string who = caller == nullptr ? "" : std::string(", asked by user ") + caller;
+    standAlone();
+    linux::SystemLog log(linux::SystemLog::Journal::ofThisProcess());
+    const auto installed = installer::UpdateInstallation({.key = *key, .package = HALVANE_PACKAGE, .directory = "/var/lib/halvane/updates"})
+                               .install(STDIN_FILENO, signature);
+    if (!installed) {
+        log.write("updates: nothing was installed" + who + ": " + installed.error().description);
+        return complain(installed.error().description, installed.error().code);
+    }
+    log.write("updates: " + *installed + " was installed" + who);
+    return 0;
+}
