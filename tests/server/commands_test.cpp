@@ -1,5 +1,4 @@
-#include "server/RunningCompany.h"
-#include "server/commands/Command.h"
+#include "server/AdministeredCompany.h"
 #include "util/PropertyList.h"
 #include "util/Text.h"
 #include "util/Value.h"
@@ -13,35 +12,7 @@ namespace {
 
 using server::ExitCode;
 
-/// The command line beside the running server, on the same directory.
-class Commands : public RunningCompany {
-protected:
-    struct Outcome {
-        ExitCode code;
-        std::string out;
-        std::string err;
-    };
-    struct Given {
-        std::string input;
-        std::optional<std::string> password;
-    };
-    Outcome run(std::vector<std::string> words, const Given& given = {}, bool withData = true) {
-        std::istringstream in(given.input);
-        std::ostringstream out;
-        std::ostringstream err;
-        server::Console console{in, out, err, time.clock(), given.password, std::nullopt};
-        if (withData) words.insert(words.end(), {"--data", data.string()});
-        const ExitCode code = server::runCommandLine(words, console);
-        return {code, out.str(), err.str()};
-    }
-    void expectFailure(const Outcome& outcome, ExitCode code, const std::string& reason) {
-        EXPECT_EQ(outcome.code, code);
-        EXPECT_NE(outcome.err.find(reason), std::string::npos) << outcome.err;
-        EXPECT_EQ(outcome.out, "");
-    }
-
-    const std::filesystem::path data = directory.path() / "data";
-};
+class Commands : public AdministeredCompany {};
 
 TEST_F(Commands, an_added_user_can_sign_in_at_the_running_server) {
     company.workplaces.put({"dalian", "大连"});
