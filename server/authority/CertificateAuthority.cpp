@@ -6,9 +6,6 @@
 
 #include <openssl/pem.h>
 
-#include <fstream>
-#include <iterator>
-
 namespace halvane::server {
 
 namespace {
@@ -55,9 +52,7 @@ util::Bytes packed(const std::string& name, const std::string& password, EVP_PKE
 }  // namespace
 
 CertificateAuthority::CertificateAuthority(const std::filesystem::path& file, const Clock& clock) {
-    if (!std::filesystem::exists(file)) static_cast<void>(PrivateFile::write(file, makeAuthority(clock())));
-    std::ifstream stream(file, std::ios::binary);
-    load(util::Bytes(std::istreambuf_iterator<char>(stream), {}));
+    load(PrivateFile::readOrMake(file, [&clock] { return makeAuthority(clock()); }));
 }
 
 void CertificateAuthority::load(const util::Bytes& pem) {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "util/Bytes.h"
+
 #include <filesystem>
+#include <functional>
 #include <string_view>
 
 namespace halvane::server {
@@ -14,6 +17,8 @@ struct PrivateFile {
     static void makeDirectory(const std::filesystem::path& directory);
     /// Leaves a file of that name as it is: of several processes that write at once, one wins.
     static Created write(const std::filesystem::path& file, std::string_view content);
+    /// What is in the file; `make` gives its content where there is none yet.
+    static util::Bytes readOrMake(const std::filesystem::path& file, const std::function<util::Bytes()>& make);
 };
 
 }  // namespace halvane::server
