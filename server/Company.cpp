@@ -22,12 +22,19 @@ Company::Company(std::filesystem::path directory, Clock clockToUse)
       workplaces(database),
       certificates(database, clock),
       uninstallCodes(database, clock),
+      packages(database, directory / "updates"),
       outbox(directory / "outbox", clock),
       directory_(std::move(directory)) {}
 
 const CertificateAuthority& Company::authority() {
     std::call_once(authorityMade_, [this] { authority_.emplace(directory_ / "authority.pem", clock); });
     return *authority_;
+}
+
+const SigningKey& Company::updateKey() {
+    std::call_once(updateKeyMade_,
+                   [this] { updateKey_.emplace(PrivateFile::readOrMake(directory_ / "update-key.pem", SigningKey::makePem)); });
+    return *updateKey_;
 }
 
 }  // namespace halvane::server

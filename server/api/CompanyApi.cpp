@@ -16,6 +16,7 @@ CompanyApi::CompanyApi(Company& company, const std::string& baseUrl)
       workplaces_(company, authenticator_),
       certificates_(company, authenticator_, baseUrl),
       equipment_(company, authenticator_),
+      updates_(company, baseUrl),
       routes_{
           {"POST", "/api/client/login", Match::WholePath, [this](const auto& request) { return signIn_.login(request); }},
           {"GET", WorkplaceApi::kAddressPath, Match::Beginning, [this](const auto& request) { return workplaces_.choose(request); }},
@@ -30,6 +31,9 @@ CompanyApi::CompanyApi(Company& company, const std::string& baseUrl)
            [this](const auto& request) { return equipment_.confirmUninstall(request); }},
           {"GET", "/updatepwd/index", Match::WholePath, [](const auto&) { return PagesApi::passwordPage(); }},
           {"GET", PagesApi::kAvatarPath, Match::Beginning, [](const auto& request) { return PagesApi::avatar(request); }},
+          // Before the files, whose path its own begins with.
+          {"GET", UpdateApi::kFeedPath, Match::WholePath, [this](const auto&) { return updates_.feed(); }},
+          {"GET", UpdateApi::kFilesPath, Match::Beginning, [this](const auto& request) { return updates_.download(request); }},
       } {}
 
 ApiReply CompanyApi::handle(const ApiRequest& request) {

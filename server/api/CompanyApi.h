@@ -5,6 +5,7 @@
 #include "server/api/EquipmentApi.h"
 #include "server/api/Message.h"
 #include "server/api/SignInApi.h"
+#include "server/api/UpdateApi.h"
 #include "server/api/WorkplaceApi.h"
 
 #include <functional>
@@ -43,6 +44,7 @@ private:
     WorkplaceApi workplaces_;
     CertificateApi certificates_;
     EquipmentApi equipment_;
+    UpdateApi updates_;
     const std::vector<Route> routes_;
 };
 

@@ -12,7 +12,8 @@ namespace {
 
 std::vector<Command> allCommands() {
     std::vector<Command> commands;
-    for (auto&& group : {serverCommands(), userCommands(), computerCommands(), workplaceCommands(), mailCommands(), networkCommands()}) {
+    for (auto&& group :
+         {serverCommands(), userCommands(), computerCommands(), workplaceCommands(), mailCommands(), networkCommands(), feedCommands()}) {
         commands.insert(commands.end(), group.begin(), group.end());
     }
     return commands;

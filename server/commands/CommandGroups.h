@@ -12,5 +12,6 @@ std::vector<Command> computerCommands();   ///< computer list|lock|unlock|lost|f
 std::vector<Command> workplaceCommands();  ///< workplace add|list|remove
 std::vector<Command> mailCommands();       ///< mail list|show
 std::vector<Command> networkCommands();    ///< radius-cert, profile
+std::vector<Command> feedCommands();       ///< feed key|add|list|remove|sign
 
 }  // namespace halvane::server

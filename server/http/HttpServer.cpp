@@ -29,10 +29,13 @@ std::unique_ptr<httplib::Server> makeServer(const std::optional<HttpServer::Tls>
     return std::make_unique<httplib::SSLServer>(tls->certificate.c_str(), tls->key.c_str());
 }
 
-void send(const ApiReply& reply, httplib::Response& response) {
-    response.status = reply.status;
+void send(ApiReply&& reply, httplib::Response& response) {
+    // The library makes 200 of it, or 206 where it sends a range.
+    if (reply.status != 200) response.status = reply.status;
     for (const auto& [name, value] : reply.headers) response.set_header(name, value);
-    response.set_content(reply.body, reply.contentType);
+    // Not the library's set_content, which copies: packages are large.
+    response.body = std::move(reply.body);
+    response.set_header("Content-Type", reply.contentType);
 }
 
 std::string reasonFor(int status) {

@@ -6,7 +6,7 @@ namespace halvane::server {
 
 /// What makes version n + 1 of the tables out of version n. Databases in the field have run them:
 /// append, never edit.
-inline constexpr std::array<const char*, 1> kMigrations = {R"sql(
+inline constexpr std::array<const char*, 2> kMigrations = {R"sql(
 CREATE TABLE users (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
     user_name TEXT NOT NULL UNIQUE COLLATE NOCASE,
@@ -64,6 +64,20 @@ CREATE TABLE uninstall_codes (
     tries INTEGER NOT NULL DEFAULT 0,
     PRIMARY KEY (user_id, host_name)
 ) WITHOUT ROWID;
+)sql",
+                                                           R"sql(
+CREATE TABLE packages (
+    position INTEGER PRIMARY KEY AUTOINCREMENT,
+    name TEXT NOT NULL,
+    version TEXT NOT NULL,
+    architecture TEXT NOT NULL,
+    minimum_system TEXT NOT NULL,
+    notes TEXT NOT NULL,
+    length INTEGER NOT NULL,
+    added_at INTEGER NOT NULL,
+    signature BLOB NOT NULL,
+    UNIQUE (name, version, architecture)
+);
 )sql"};
 
 }  // namespace halvane::server

@@ -119,6 +119,7 @@ TEST_F(Commands, wrong_usage_says_what_is_wrong_and_ends_with_2) {
         {{"serve", "--host", "0.0.0.0"}, "say --public-url"},
         {{"serve", "--public-url", "ftp://x"}, "http or https"},
         {{"seed", "--domain", "no domain"}, "no domain is no mail domain"},
+        {{"feed", "add"}, "usage: halvane-server feed add PACKAGE.deb"},
     };
     for (const auto& [words, reason] : rows) {
         SCOPED_TRACE(testing::PrintToString(words));
@@ -159,7 +160,7 @@ TEST_F(Commands, help_names_every_command_and_version_is_said) {
     const auto help = run({"--help"}, {}, false);
     EXPECT_EQ(help.code, ExitCode::Done);
     for (const char* name :
-         {"serve", "seed", "ca show", "user passwd", "computer found", "mail show", "workplace add", "HALVANE_PASSWORD"}) {
+         {"serve", "seed", "ca show", "user passwd", "computer found", "mail show", "workplace add", "feed remove", "HALVANE_PASSWORD"}) {
         EXPECT_NE(help.out.find(name), std::string::npos) << name;
     }
     EXPECT_EQ(run({"user", "add", "--help"}, {}, false).out, help.out);

@@ -90,6 +90,18 @@ TEST_F(Store, several_processes_write_at_once_and_nothing_is_lost) {
     EXPECT_EQ(Company(directory.path(), time.clock()).users.all().size(), static_cast<std::size_t>(kWriters * kEach));
 }
 
+TEST_F(Store, a_database_of_an_older_version_keeps_its_rows_and_gets_the_new_tables) {
+    {
+        Company company(directory.path(), time.clock());
+        company.workplaces.put({"a", "A"});
+        company.database.run("DROP TABLE packages");
+        company.database.run("PRAGMA user_version = 1");
+    }
+    Company company(directory.path(), time.clock());
+    EXPECT_TRUE(company.workplaces.has("a"));
+    EXPECT_TRUE(company.packages.all().empty());
+}
+
 TEST_F(Store, a_database_of_a_newer_version_is_refused_and_left_alone) {
     { Database(file()).run("PRAGMA user_version = 1000"); }
     EXPECT_THROW(Database{file()}, server::DatabaseError);
