@@ -6,6 +6,7 @@
 #include "device/HVDeviceInfoHelper.h"
 #include "device/HVDeviceStatusMonitoring.h"
 #include "device/HVDeviceUsageInfoManager.h"
+#include "linux/FreedesktopNotifications.h"
 #include "linux/PkexecPackageInstaller.h"
 #include "linux/PolkitAuthorization.h"
 #include "linux/PosixFileStore.h"
@@ -96,6 +97,7 @@ struct Services::Parts {
     // Of its own, because installing takes as long as the person and the package manager do.
     std::shared_ptr<platform::DispatchQueue> updateQueue = queues->makeSerial("com.halvane.update");
     std::shared_ptr<platform::DispatchQueue> workQueue = queues->makeConcurrent("com.halvane.work");
+    linux::FreedesktopNotifications desktopNotifications{queues->makeSerial("com.halvane.notifications"), log};
 
     util::NotificationCenter notifications;
     HDCLProjectConfig project{Deployment::kVersion};
@@ -201,6 +203,7 @@ const device::HVDeviceInfoHelper& Services::device() { return parts_->device; }
 device::HVDeviceUsageInfoManager& Services::sampler() { return parts_->sampler; }
 device::HVDeviceStatusMonitoring& Services::monitoring() { return parts_->monitoring; }
 device::CompanyAccess& Services::companyAccess() { return parts_->companyAccess; }
+platform::DesktopNotifications& Services::desktopNotifications() { return parts_->desktopNotifications; }
 std::string Services::userAgent() const { return parts_->userAgent; }
 
 std::unique_ptr<tools::UninstallAuthorisation> Services::makeUninstallAuthorisation() {

@@ -16,6 +16,7 @@ class HVDeviceStatusMonitoring;
 class HVDeviceUsageInfoManager;
 }  // namespace halvane::device
 namespace halvane::platform {
+class DesktopNotifications;
 class Directories;
 class DispatchQueue;
 class FileStore;
@@ -84,6 +85,7 @@ public:
     [[nodiscard]] device::HVDeviceUsageInfoManager& sampler();
     [[nodiscard]] device::HVDeviceStatusMonitoring& monitoring();
     [[nodiscard]] device::CompanyAccess& companyAccess();
+    [[nodiscard]] platform::DesktopNotifications& desktopNotifications();
     [[nodiscard]] std::string userAgent() const;
 
     /// `browser` outlives the flow.

@@ -53,6 +53,7 @@ std::unique_ptr<ui::MainView> UserInterface::makeMainView() {
         .device = {services_.sampler(), services_.device(), *services_.workQueue(), services_.mainQueue()},
         .monitoring = services_.monitoring(),
         .companyAccess = services_.companyAccess(),
+        .desktopNotifications = services_.desktopNotifications(),
         .statusBar = statusBarConfig_,
         .makeUninstallAlert = [this] { return std::make_unique<tools::UnInstallAlertView>(services_.makeUninstallAuthorisation()); },
         .uninstallAfterLogin = [this] { delegate_.applicationShouldUninstall(); }});

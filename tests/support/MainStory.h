@@ -8,6 +8,7 @@
 #include "session/WorkAddressInfoHelper.h"
 #include "support/FakeDevice.h"
 #include "support/RecordingLog.h"
+#include "support/RecordingNotifications.h"
 #include "support/RecordingStatusBar.h"
 #include "support/RecordingUpdater.h"
 #include "support/ScriptedClient.h"
@@ -59,6 +60,7 @@ struct MainStory {
             .device = {sampler, device.helper, facts, company.mainLoop},
             .monitoring = monitoring,
             .companyAccess = companyAccess,
+            .desktopNotifications = desktopNotifications,
             .statusBar = statusBarConfig,
             .makeUninstallAlert =
                 [this] {
@@ -98,6 +100,7 @@ struct MainStory {
     device::HVDeviceUsageInfoManager sampler{{*company.mainLoop, device, device.helper, log}};
     device::HVDeviceStatusMonitoring monitoring{{company.mainLoop, facts, company.user, company.requests, device.helper}};
     device::CompanyAccess companyAccess{{*company.mainLoop, device.helper}};
+    RecordingNotifications desktopNotifications;
     session::WorkAddressInfoHelper workplaces{company.preferences};
     ui::AvatarStore avatars{{.transport = company.transport,
                              .mainQueue = company.mainLoop,

@@ -126,6 +126,22 @@ TEST_F(DeviceWatchTest, later_login_has_one_window_that_reacts) {
     EXPECT_TRUE(signedIn()) << "windows that are gone do not react";
 }
 
+TEST_F(DeviceWatchTest, desktop_tells_of_a_change_once_in_each_session) {
+    const std::string locked = "这台电脑已被锁定";
+    const std::string lost = "这台电脑已被标记为丢失";
+    poll("No", "No");
+    poll("Yes", "No");
+    poll("Yes", "No");
+    EXPECT_EQ(story.desktopNotifications.takeSummaries(), Events{locked});
+    poll("Yes", "Yes");
+    EXPECT_EQ(story.desktopNotifications.takeSummaries(), Events{lost});
+    EXPECT_FALSE(signedIn());
+    story.signIn();
+    open();
+    poll("Yes", "No");
+    EXPECT_EQ(story.desktopNotifications.takeSummaries(), Events{locked}) << "the next person has not been told";
+}
+
 TEST_F(DeviceWatchTest, icon_leads_to_the_reminder_and_never_stands_there_twice) {
     ASSERT_EQ(story.statusBar.shown.size(), 1u);
     open();

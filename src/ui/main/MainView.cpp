@@ -28,7 +28,7 @@ constexpr int kMenuWidth = 200;
 
 }  // namespace
 
-MainView::MainView(Collaborators collaborators) : collaborators_(std::move(collaborators)) {
+MainView::MainView(Collaborators collaborators) : collaborators_(std::move(collaborators)), notices_(collaborators_.desktopNotifications) {
     setObjectName(QStringLiteral("mainView"));
     setUpUI();
     leftMenuView_->selectMenuIndex(0);
@@ -76,6 +76,7 @@ void MainView::react(bool locked, bool lost) {
     const auto certificateName = model ? model->ad_cert_name : std::nullopt;
     if (lost) leftMenuView_->logout();
     if (locked) collaborators_.companyAccess.revoke(certificateName);
+    notices_.stateIs(locked, lost);
 }
 
 void MainView::viewDidMoveToWindow() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "device/DeviceInfoView.h"
+#include "device/DeviceStateNotices.h"
 #include "ui/main/MainLeftMenuView.h"
 #include "ui/widgets/ContentView.h"
 
@@ -43,6 +44,7 @@ public:
         device::DeviceInfoView::Collaborators device;
         device::HVDeviceStatusMonitoring& monitoring;
         device::CompanyAccess& companyAccess;
+        platform::DesktopNotifications& desktopNotifications;
         device::HVStatusBarConfig& statusBar;
         std::function<std::unique_ptr<tools::UnInstallAlertView>()> makeUninstallAlert;
         std::function<void()> uninstallAfterLogin;  ///< the wish of somebody who is not signed in
@@ -71,6 +73,7 @@ private:
     void uninstallMenuItemChosen();
 
     Collaborators collaborators_;
+    device::DeviceStateNotices notices_;  ///< of this login
     MainLeftMenuView* leftMenuView_;
     MainRightOperationView* rightOperationView_;
     std::unique_ptr<tools::UnInstallAlertView> uninstallAlert_;  ///< made on first use
