@@ -13,6 +13,7 @@ from pathlib import Path
 from client import LOGIN_SIZE, MAIN_SIZE, Client, LoginWindow, mode_of, texts_in
 from company_network import CompanyNetwork, what_is_missing
 from main_window_steps import MainWindowSteps
+from notifications import Notifications
 from processes import ChildWatch, descendants, expect, output_of, stays, wait_for
 from stage import options_of, perform, take
 from tool_root import ToolRoot
@@ -22,7 +23,7 @@ LONGEST = 260
 
 
 class Journey:
-    def __init__(self, processes, desktop, company, client, tools, network, options):
+    def __init__(self, processes, desktop, company, client, tools, network, notifications, options):
         self._processes = processes
         self._desktop = desktop
         self._company = company
@@ -33,7 +34,7 @@ class Journey:
         self._main_window = MainWindowSteps(desktop, company, client, self.photograph)
         self._tools = tools
         self._network = network
-        self._watch = WatchSteps(desktop, company, client, tools, network, self.photograph)
+        self._watch = WatchSteps(desktop, company, client, tools, network, notifications, self.photograph)
 
     def steps(self):
         return [self.first_start, self.wrong_password, self.second_tries_send_nothing, self.quits_on_request, self.fields_are_prefilled,
@@ -262,7 +263,9 @@ def main():
         resources = Path(folder, "resources")
         company.fill_template(options.build / "share/halvane/brelton.mobileconfig", resources)
         client.environment |= {"HALVANE_TOOL_ROOT": str(tools.path), "HALVANE_RESOURCES": str(resources)}
-        journey = Journey(processes, desktop, company, client, tools, network, options)
+        notifications = Notifications(processes, desktop)
+        notifications.start()
+        journey = Journey(processes, desktop, company, client, tools, network, notifications, options)
         return take(journey.steps(), journey.photograph)
 
     return perform(options, LONGEST, play)

@@ -1,20 +1,22 @@
 """The part of the journey about this computer: its page, and what happens when it is marked as locked or lost."""
 from client import LOGIN_SIZE, LoginWindow
 from main_window import MainWindow
-from processes import expect, wait_for
+from processes import expect, stays, wait_for
 
 STATUS = "/api/client/user/equipment_status"
 POLL = 30.0
 LATE = 3.0  # the server, the tools, and a look twenty times a second
+LOCKED, LOST = "这台电脑已被锁定", "这台电脑已被标记为丢失"
 
 
 class WatchSteps:
-    def __init__(self, desktop, company, client, tools, network, photograph):
+    def __init__(self, desktop, company, client, tools, network, notifications, photograph):
         self._desktop = desktop
         self._company = company
         self._client = client
         self._tools = tools
         self._network = network  # absent where there can be none
+        self._notifications = notifications
         self._photograph = photograph
 
     def page(self):
@@ -54,7 +56,8 @@ class WatchSteps:
         wait_for("the certificate is gone", lambda: not self._installed())
         expect(not self._client.identity_files(), "its file is gone too")
         expect(self._client.session_file().exists() and self._client.windows() == [main.window], "the person stays signed in")
-        return f"{took:.1f} s after the mark: certificate gone, then Wi-Fi off and on{locked_out}"
+        wait_for("the desktop tells of the lock", lambda: self._notifications.shown() == [LOCKED])
+        return f"{took:.1f} s after the mark: certificate gone, then Wi-Fi off and on{locked_out}; notification “{LOCKED}”"
 
     def loss_signs_out(self):
         main = MainWindow(self._desktop, self._client)
@@ -67,8 +70,10 @@ class WatchSteps:
         expect(self._tools.calls(marked) == [], f"nothing else is touched, not {self._tools.calls(marked)}")
         expect(main.window not in self._client.windows(), "the main window is hidden")
         self._photograph("lost")
+        wait_for("the desktop tells of the loss", lambda: self._notifications.shown() == [LOCKED, LOST])
+        stays("one notification for each", lambda: self._notifications.shown() == [LOCKED, LOST])
         self._company.mark("found")
-        return f"{took:.1f} s after the mark: login window shown, session file gone"
+        return f"{took:.1f} s after the mark: login window shown, session file gone; notification “{LOST}”"
 
     def next_sign_in_brings_the_certificate_back(self):
         login = LoginWindow(self._desktop, self._client.wait_for_window(LOGIN_SIZE))
