@@ -17,7 +17,6 @@
 #include "linux/XdgDirectories.h"
 #include "linux/base/AsioDispatchQueues.h"
 #include "linux/base/NetworkManagerReachability.h"
-#include "linux/base/SystemLog.h"
 #include "linux/device/LinuxDeviceRegistry.h"
 #include "linux/device/LinuxNetworkInterfaces.h"
 #include "linux/device/LinuxSystemControl.h"
@@ -59,6 +58,7 @@ std::string currentDirectory() {
 struct Services::Parts {
     Parts(const Settings& settings, std::shared_ptr<platform::MainLoop> loop, linux::XdgDirectories places)
         : mainLoop(std::move(loop)),
+          log(settings.log),
           directories(std::move(places)),
           preferences(files, directories.configuration() / "preferences.plist", log),
           launcher(std::make_unique<linux::PosixProcessLauncher>(settings.toolRoot)),
@@ -72,7 +72,7 @@ struct Services::Parts {
 
     const std::shared_ptr<platform::MainLoop> mainLoop;
     const std::string userAgent = std::string("Halvane/") + Deployment::kVersion;
-    linux::SystemLog log;
+    util::Log& log;
     linux::PosixFileStore files;
     const linux::XdgDirectories directories;
     linux::PropertyListPreferences preferences;

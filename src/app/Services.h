@@ -48,6 +48,7 @@ class HDCLProjectConfig;
 class Services {
 public:
     struct Settings {
+        util::Log& log;
         std::string serverBaseUrl;
         std::filesystem::path toolRoot;                  ///< where the system's command-line tools are looked up first
         std::filesystem::path resources;                 ///< files shipped with the program

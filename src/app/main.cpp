@@ -3,11 +3,14 @@
 #include "app/Services.h"
 #include "app/Surroundings.h"
 #include "app/UserInterface.h"
+#include "linux/GlibMessages.h"
+#include "linux/base/SystemLog.h"
 #include "platform/Reachability.h"
 #include "platform/SingleInstance.h"
 #include "qt/QtApplication.h"
 #include "qt/QtDisplay.h"
 #include "qt/QtMainLoop.h"
+#include "qt/QtMessages.h"
 #include "request/XMEngine.h"
 #include "ui/widgets/AlertSheet.h"
 #include "ui/widgets/HDCLUICenter.h"
@@ -30,8 +33,9 @@ constexpr int kEnded = 0;
 constexpr int kCannotRun = 1;
 constexpr int kWrongArguments = 2;
 
+/// On standard error, and in the journal, because who starts it from a menu sees no standard error.
 int complain(const std::string& problem, int exitCode) {
-    std::fprintf(stderr, "halvane: %s\n", problem.c_str());
+    linux::SystemLog().write(problem);
     return exitCode;
 }
 
@@ -67,11 +71,15 @@ int runClient(QApplication& application, app::Services& services, const std::vec
 
 /// The client in its surroundings, whole. Answers the exit code; `restartWanted` when an installed update is to take over.
 int run(int argc, char** argv, const app::CommandLine& line, const app::Surroundings& surroundings, bool& restartWanted) {
+    linux::SystemLog log;
+    const linux::GlibMessages glibMessages(log);
+    const qt::QtMessages qtMessages(log);
     qt::choosePlatform();
     qt::QtApplication application(argc, argv);
     ui::HDCLUICenter::applyTo(application);
     const auto services = app::Services::make(
-        {.serverBaseUrl = line.server.value_or(app::Deployment::kServerBaseUrl),
+        {.log = log,
+         .serverBaseUrl = line.server.value_or(app::Deployment::kServerBaseUrl),
          .toolRoot = surroundings.toolRoot,
          .resources = surroundings.resources,
          .language = surroundings.language,
@@ -101,6 +109,7 @@ int beginAnew(const std::filesystem::path& program, const std::optional<std::str
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);  // a reader that went away is an error of the write, not our end
+    linux::SystemLog::nameStandardStreams();
     auto line = app::CommandLine::parse({argv + 1, argv + argc});
     if (!line) return complain(line.error().description, kWrongArguments);
     if (line->action == app::CommandLine::Action::ShowHelp)

@@ -3,9 +3,13 @@
 
 #include "linux/base/SystemLog.h"
 
+#include "linux/base/Descriptor.h"
+
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
+#include <sys/un.h>
 #include <syslog.h>
 #include <systemd/sd-journal.h>
 #include <unistd.h>
@@ -76,9 +80,24 @@ std::string printable(std::string_view line, LineFeeds lineFeeds) {
     return out;
 }
 
-bool standardErrorIs(const std::string& stream) {
+bool isFile(int descriptor, const std::string& deviceAndInode) {
     struct stat status {};
-    return ::fstat(STDERR_FILENO, &status) == 0 && stream == std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
+    return ::fstat(descriptor, &status) == 0 && deviceAndInode == std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
+}
+
+bool isSocketOf(int descriptor, const std::string& listener) {
+    sockaddr_un peer{};
+    socklen_t size = sizeof peer - 1;  // so that the path ends
+    return ::getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &size) == 0 && peer.sun_family == AF_UNIX &&
+           listener == peer.sun_path;
+}
+
+/// Closed, or the null device.
+bool leadsNowhere(int descriptor) {
+    struct stat status {};
+    struct stat nothing {};
+    if (::fstat(descriptor, &status) != 0) return true;
+    return ::stat("/dev/null", &nothing) == 0 && S_ISCHR(status.st_mode) && status.st_rdev == nothing.st_rdev;
 }
 
 /// A reader of our standard error that went away must not end the program.
@@ -130,11 +149,28 @@ SystemLog::Journal SystemLog::Journal::ofThisProcess() {
     return journal;
 }
 
+bool SystemLog::Journal::isBehind(int descriptor) const {
+    return (stream && isFile(descriptor, *stream)) || isSocketOf(descriptor, streams);
+}
+
+void SystemLog::nameStandardStreams(const Journal& journal, const std::string& identifier) {
+    const bool output = journal.isBehind(STDOUT_FILENO);
+    const bool error = journal.isBehind(STDERR_FILENO) || leadsNowhere(STDERR_FILENO);
+    if (!output && !error) return;
+    Descriptor opened(::sd_journal_stream_fd(identifier.c_str(), LOG_INFO, 0));
+    // It may have got the number of a standard one that was closed.
+    const Descriptor stream(opened ? ::fcntl(opened.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1) : -1);
+    opened.close();
+    if (!stream) return;
+    if (output) ::dup2(stream.get(), STDOUT_FILENO);
+    if (error) ::dup2(stream.get(), STDERR_FILENO);
+}
+
 SystemLog::SystemLog(const Journal& journal, std::string identifier)
     : identifier_(std::move(identifier)),
       hasJournal_(::access(journal.socket.c_str(), W_OK) == 0),
       // A closed descriptor 2 will be given to some file of ours, which is no place for lines.
-      hasStandardError_(::fcntl(STDERR_FILENO, F_GETFD) >= 0 && !(hasJournal_ && journal.stream && standardErrorIs(*journal.stream))) {}
+      hasStandardError_(::fcntl(STDERR_FILENO, F_GETFD) >= 0 && !(hasJournal_ && journal.isBehind(STDERR_FILENO))) {}
 
 void SystemLog::write(std::string_view line) noexcept {
     try {
