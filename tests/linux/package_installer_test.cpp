@@ -7,6 +7,7 @@
 #include "util/UpdateError.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include <filesystem>
 #include <fstream>
@@ -128,6 +129,7 @@ TEST_F(PackageInstallerTest, when_it_goes_a_question_is_taken_back_and_an_instal
     EXPECT_FALSE(fs::exists(at("done")));
     place("go-on", "");
     EXPECT_TRUE(test::eventually([this] { return fs::exists(at("done")); }));
+    EXPECT_TRUE(test::eventually([] { return ::waitpid(-1, nullptr, WNOHANG) > 0; })) << "nobody else collects it in this process";
     loop->runPending();
     EXPECT_FALSE(outcome);
 }
