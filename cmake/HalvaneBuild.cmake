@@ -16,6 +16,16 @@ endif()
 
 add_link_options(-Wl,--as-needed)  # a tool that writes one line does not load the libraries of a folder that it takes one class from
 
+# What is shipped is hardened as Debian's own programs are. That it is position-independent is the compiler's default there.
+set(shipped $<CONFIG:Release,RelWithDebInfo>)
+if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+  set(of_this_processor ";-fcf-protection")
+endif()
+add_compile_options(
+  "$<${shipped}:-fstack-protector-strong;-fstack-clash-protection${of_this_processor};-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>"
+  "$<${shipped}:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")  # debug symbols do not tell where the clone was
+add_link_options("$<${shipped}:-Wl,-z,relro,-z,now>")
+
 add_library(halvane_warnings INTERFACE)
 target_compile_options(halvane_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough
