@@ -64,8 +64,9 @@ Halvane is the program through which the people of a company sign in on their
 workstation. It fetches the personal certificate, joins the company's 802.1X
 network with it, and shows what this computer is and how busy it is.")
 set(CPACK_DEBIAN_CLIENT_PACKAGE_CONTROL_EXTRA ${packaging}/client/conffiles ${packaging}/client/postinst ${packaging}/client/postrm)
-# The libraries come from dpkg-shlibdeps. Without these two, which Qt loads by name, there is no window and no picture in it.
-set(CPACK_DEBIAN_CLIENT_PACKAGE_DEPENDS "qt6-qpa-plugins, libqt6svg6")
+# The libraries come from dpkg-shlibdeps; libqt6svg6 has Qt's reader of our pictures besides. This one Qt loads by name, and
+# without it there is no window.
+set(CPACK_DEBIAN_CLIENT_PACKAGE_DEPENDS qt6-qpa-plugins)
 string(JOIN ", " CPACK_DEBIAN_CLIENT_PACKAGE_RECOMMENDS
   # the company's network is joined through it
   network-manager
