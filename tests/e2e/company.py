@@ -13,10 +13,11 @@ class Company:
     USER = "chen.xiao"
     PASSWORD = "orchard-7-lantern"
 
-    def __init__(self, processes, program, folder, env, name="server", **options):
-        """`name` is that of the server's logs, `options` are for its process."""
+    def __init__(self, processes, program, folder, env, name="server", port=0, **options):
+        """`name` is that of the server's logs, port 0 any free one, `options` are for its process."""
         self._processes = processes
         self._name = name
+        self._port = port
         self._options = options
         self._program = program
         self._data = Path(folder, "company")
@@ -31,7 +32,7 @@ class Company:
         expect(addresses, f"the small company has no {self.USER}: {seeded}")
         self.user_name = addresses[0]
         server = self._processes.start(
-            self._name, [self._program, "serve", "--port", 0, "--data", self._data, "--access-log", self._access_log], self._env,
+            self._name, [self._program, "serve", "--port", self._port, "--data", self._data, "--access-log", self._access_log], self._env,
             **self._options)
 
         def address():

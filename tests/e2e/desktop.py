@@ -78,14 +78,14 @@ class Desktop:
         self.env.update({name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")})
 
     def start(self):
-        self._start_display()
+        self.start_display()
         self._start_bus("system-bus")
         self._start_hostnamed()
         self._start_bus("bus")
         self.env["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={self.runtime}/bus"
         self._start_secret_service()
 
-    def _start_display(self):
+    def start_display(self):
         reader, writer = os.pipe()
         display = self._processes.start(
             "xvfb", ["Xvfb", "-displayfd", writer, "-screen", "0", "x".join(str(number * self.scale) for number in self._size) + "x24", "-nolisten", "tcp", "-noreset"], self.env, pass_fds=(writer,))

@@ -40,9 +40,10 @@ def end_in_order():
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
 
 
-def enter():
-    """Starts this very program again inside; there it goes on behind this call. Namespaces end with their last process."""
+def enter(*more):
+    """Starts this very program again inside; there it goes on behind this call. Namespaces end with their last process.
+    `more`: what unshare is told besides."""
     if os.environ.get(MARK):
         return
     os.environ[MARK] = "1"
-    os.execvp(UNSHARE[0], [*UNSHARE, sys.executable, "-B", *sys.argv])
+    os.execvp(UNSHARE[0], [*UNSHARE, *more, sys.executable, "-B", *sys.argv])

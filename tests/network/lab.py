@@ -1,6 +1,4 @@
 """A computer in the lab: a system bus, NetworkManager and its supplicant of our own, on one end of the switch's cable."""
-import contextlib
-import os
 import shutil
 import subprocess
 from pathlib import Path
@@ -9,8 +7,8 @@ import users
 from inside import end_with_parent, program
 from processes import expect, output_of, wait_for
 from switch import CABLE, Switch
+from system_bus import SYSTEM_BUS, never_overtaken, wait_for_name
 
-SYSTEM_BUS = "/run/dbus/system_bus_socket"
 EMPLOYEES = ("chen", "li")
 ACTIONS = Path("/usr/share/polkit-1/actions")
 OWN_ROOMS = ("/run", "/etc/NetworkManager", "/var/lib/NetworkManager", "/etc/polkit-1", "/var/lib/polkit-1", "/usr/local")
@@ -46,15 +44,6 @@ RULES = """polkit.addRule(function(action, subject) {
     if (own.map(function(each) { return "org.freedesktop.NetworkManager." + each; }).indexOf(action.id) >= 0) return polkit.Result.YES;
 });
 """
-
-
-def never_overtaken():
-    """For polkitd before it becomes itself. A thread of its own runs the rules, and its word that they are done is lost when it comes between
-    polkitd's look and its wait: each such check takes 15 seconds. With one processor, first come first served, the wait is there first."""
-    end_with_parent()
-    with contextlib.suppress(OSError):  # where a container forbids it; the fault is rare all the same
-        os.sched_setaffinity(0, [min(os.sched_getaffinity(0))])
-        os.sched_setscheduler(0, os.SCHED_FIFO, os.sched_param(1))
 
 
 class Lab:
@@ -106,7 +95,7 @@ class Lab:
         self.set_rules(RULES)
         # Its words are wanted in the log: it says when a check was given up.
         self._polkit = self._start("polkitd", "/usr/lib/polkit-1/polkitd", first=never_overtaken)
-        self.wait_for_name("org.freedesktop.PolicyKit1")
+        wait_for_name("org.freedesktop.PolicyKit1")
 
     def set_rules(self, text):
         """polkitd notices by itself, a moment later."""
@@ -117,9 +106,9 @@ class Lab:
     def _start_manager(self):
         Path("/etc/NetworkManager/NetworkManager.conf").write_text(MANAGER, encoding="utf-8")
         self._start("supplicant", program("wpa_supplicant"), "-u", "-t")
-        self.wait_for_name("fi.w1.wpa_supplicant1")
+        wait_for_name("fi.w1.wpa_supplicant1")
         self.manager = self._start("manager", program("NetworkManager"), "--debug", "--log-level=INFO")
-        self.wait_for_name("org.freedesktop.NetworkManager")
+        wait_for_name("org.freedesktop.NetworkManager")
         self.wait_for_cable()
 
     def wait_for_cable(self, state="disconnected"):
@@ -127,10 +116,6 @@ class Lab:
 
     def end_polkit(self):
         self._processes.end(self._polkit)
-
-    def wait_for_name(self, name):
-        call = ("dbus-send", f"--bus=unix:path={SYSTEM_BUS}", "--print-reply", "--dest=org.freedesktop.DBus", "/", "org.freedesktop.DBus.NameHasOwner", f"string:{name}")
-        wait_for(name, lambda: b"true" in output_of(*call))
 
     def nmcli(self, *words):
         return output_of(program("nmcli"), *words, env={"LC_ALL": "C.UTF-8", **self.environment}).decode()
