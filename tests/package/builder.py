@@ -21,12 +21,12 @@ class Packages:
 
 
 class Builder:
-    """Builds in FOLDER/tree, which is kept from run to run, and lays packages into FOLDER/VERSION."""
+    """Builds in `folder`, which is kept from run to run, and lays packages into FOLDER/packages/VERSION. The folder stands as deep below
+    the sources as build/dev does: the compiler cache knows files by the way to them."""
 
     def __init__(self, source, folder):
         self._source = Path(source)
         self._folder = Path(folder)
-        self._tree = self._folder / "tree"
         self._log = self._folder / "build.log"
         self._folder.mkdir(parents=True, exist_ok=True)
         self._log.unlink(missing_ok=True)
@@ -34,13 +34,13 @@ class Builder:
     def build(self, version, **variables):
         """`variables`: what else CMake is told. Programs of an earlier version in the same tree are built anew, no more."""
         told = [f"-D{name}={value}" for name, value in {"HALVANE_VERSION": version, **variables}.items()]
-        self._run("cmake", "-G", "Ninja", "-S", self._source, "-B", self._tree, *FLAGS, *told)
-        self._run("ninja", "-C", self._tree)
-        place = self._folder / version
+        self._run("cmake", "-G", "Ninja", "-S", self._source, "-B", self._folder, *FLAGS, *told)
+        self._run("ninja", "-C", self._folder)
+        place = self._folder / "packages" / version
         if place.exists():
             for old in place.glob("*deb"):
                 old.unlink()
-        self._run("cpack", "--config", self._tree / "CPackConfig.cmake", "-B", place, "-D", "CPACK_DEBIAN_DEBUGINFO_PACKAGE=OFF", "-D",
+        self._run("cpack", "--config", self._folder / "CPackConfig.cmake", "-B", place, "-D", "CPACK_DEBIAN_DEBUGINFO_PACKAGE=OFF", "-D",
                   "CPACK_STRIP_FILES=ON")
         return Packages(version, *(self._only(place, f"{name}_{version}_*.deb") for name in ("halvane", "halvane-server")))
 
