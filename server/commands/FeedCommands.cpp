@@ -12,7 +12,9 @@ namespace halvane::server {
 
 namespace {
 
-constexpr std::size_t kLargestNotes = 16 * 1024;
+// So that the whole feed stays below the megabyte that clients read, however its notes are escaped.
+constexpr std::size_t kLargestNotes = 4 * 1024;
+constexpr std::size_t kMostPackages = 32;
 constexpr std::size_t kLongestSystem = 32;
 
 /// "12", "12.5"
@@ -51,6 +53,10 @@ ExitCode add(const Command::Call& call) {
     StagedFile staged = company.packages.stage(*bytes);
     const auto id = PackageFile::nameIn(staged.path());
     if (!id) return failed(console, file + ": " + id.error().description);
+    const auto offered = company.packages.all();
+    const bool replaces = std::ranges::any_of(offered, [&id](const Package& other) { return other.id.fileName() == id->fileName(); });
+    if (!replaces && offered.size() >= kMostPackages)
+        return failed(console, "there are " + std::to_string(kMostPackages) + " packages on offer; remove one first");
     company.packages.put({.id = *id,
                           .minimumSystem = system,
                           .notes = *notes,
@@ -102,7 +108,7 @@ std::vector<Command> feedCommands() {
         {.name = "feed add",
          .synopsis = "PACKAGE.deb [--notes FILE] [--minimum-system V]",
          .summary = "Signs a package and offers it to clients on Debian V (12) or later; the same version again replaces it.\n"
-                    "      Notes are UTF-8 plain text of at most 16 KiB.",
+                    "      Notes are UTF-8 plain text of at most 4 KiB.",
          .options = {"--notes", "--minimum-system"},
          .fewestWords = 1,
          .mostWords = 1,

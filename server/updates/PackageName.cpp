@@ -1,5 +1,7 @@
 #include "server/updates/PackageName.h"
 
+#include "util/PackageVersion.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -9,7 +11,6 @@ namespace {
 
 constexpr std::string_view kDigits = "0123456789";
 constexpr std::string_view kLowerCase = "abcdefghijklmnopqrstuvwxyz";
-constexpr std::string_view kUpperCase = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
 bool isIn(char c, std::initializer_list<std::string_view> sets) {
     return std::ranges::any_of(sets, [c](std::string_view set) { return set.find(c) != std::string_view::npos; });
@@ -21,19 +22,11 @@ bool isWord(std::string_view text, std::initializer_list<std::string_view> first
            std::ranges::all_of(text, [&](char c) { return isIn(c, first) || isIn(c, {others}); });
 }
 
-bool isVersion(std::string_view text) {
-    const auto colon = text.find(':');
-    if (colon != std::string_view::npos && (colon == 0 || text.substr(0, colon).find_first_not_of(kDigits) != std::string_view::npos))
-        return false;
-    const auto upstream = colon == std::string_view::npos ? text : text.substr(colon + 1);
-    return !upstream.empty() && isIn(upstream.front(), {kDigits}) && isWord(upstream, {kDigits, kLowerCase, kUpperCase}, ".+~-");
-}
-
 }  // namespace
 
 std::optional<PackageName> PackageName::parse(std::string name, std::string version, std::string architecture) {
     if (name.size() < 2 || !isWord(name, {kDigits, kLowerCase}, "+.-")) return std::nullopt;
-    if (!isVersion(version) || !isWord(architecture, {kDigits, kLowerCase}, "-")) return std::nullopt;
+    if (!util::PackageVersion::parse(version) || !isWord(architecture, {kDigits, kLowerCase}, "-")) return std::nullopt;
     return PackageName{std::move(name), std::move(version), std::move(architecture)};
 }
 
