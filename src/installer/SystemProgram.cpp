@@ -44,6 +44,7 @@ util::Result<int> SystemProgram::run(const std::vector<std::string>& arguments, 
     if (!file) return util::fileError(errno, "write " + log.string());
     linux::ChildStart child{.program = path_, .arguments = words(arguments), .standardOutput = file.get(), .standardError = file.get()};
     child.withoutInput = true;
+    child.withoutInterruption = true;
     const auto process = child.start("run " + path_);
     if (!process) return process.error();
     return exitCodeOf(linux::ChildStart::awaitEnd(*process));

@@ -17,8 +17,8 @@ public:
     /// What it wrote to standard output. Error: it could not be started, or ended with something else than 0.
     [[nodiscard]] util::Result<util::Bytes> outputOf(const std::vector<std::string>& arguments) const;
 
-    /// Its exit code, or 128 + signal; both outputs go to `log`, which is made anew: what it starts and leaves behind may keep them
-    /// open. Error: it could not be started, or no log be made.
+    /// Its exit code, or 128 + signal; what of SIGHUP, SIGINT and SIGTERM we ignore does not stop it either. Both outputs go to `log`,
+    /// which is made anew: what it starts and leaves behind may keep them open. Error: it could not be started, or no log be made.
     [[nodiscard]] util::Result<int> run(const std::vector<std::string>& arguments, const std::filesystem::path& log) const;
 
 private:

@@ -5,7 +5,6 @@
 #include "util/PublicKey.h"
 #include "util/Result.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -15,12 +14,10 @@ namespace halvane::installer {
 /// copied into a directory of the administrator's first, and there their signature, then the package's name, architecture and
 /// version are held against what is installed; exactly those bytes go to the package manager. One thread.
 ///
-/// One installation at a time. A copy that an interrupted one left is removed by the next.
+/// One installation at a time; each has a copy under a name of its own, so that none can touch what an interrupted one's package
+/// manager may still read. What is left is removed by the next.
 class UpdateInstallation {
 public:
-    /// More nobody sends.
-    static constexpr std::uint64_t kLargestPackage = std::uint64_t{256} << 20;
-
     struct Settings {
         util::PublicKey key;
         std::string package;              ///< the only one that is ever installed
@@ -43,6 +40,11 @@ private:
         std::string version;
         std::string architecture;
     };
+    /// What the package manager knows of the client.
+    struct Known {
+        std::string version;
+        bool isWhole;  ///< false: an installation of it was interrupted
+    };
 
     struct Ended {
         int exitCode;
@@ -50,14 +52,13 @@ private:
     };
 
     [[nodiscard]] std::filesystem::path log() const { return settings_.directory / "apt.log"; }
-    [[nodiscard]] std::filesystem::path copy() const { return settings_.directory / "package.deb"; }
     [[nodiscard]] util::Result<void> prepareDirectory() const;
-    [[nodiscard]] util::Result<util::Bytes> takeCopy(int package) const;
-    [[nodiscard]] util::Result<Control> controlOfCopy() const;
+    void removeLeftCopies() const;
+    [[nodiscard]] util::Result<Control> controlOf(const std::filesystem::path& copy) const;
     [[nodiscard]] util::Result<void> check(const Control& control) const;
-    [[nodiscard]] util::Result<std::string> installedVersion() const;
-    [[nodiscard]] util::Result<std::string> installCopy(const Control& control) const;
-    [[nodiscard]] util::Result<Ended> runAptGet() const;
+    [[nodiscard]] util::Result<Known> known() const;
+    [[nodiscard]] util::Result<std::string> installCopy(const std::filesystem::path& copy, const Control& control) const;
+    [[nodiscard]] util::Result<Ended> runAptGet(const std::filesystem::path& copy) const;
 
     const Settings settings_;
 };

@@ -1,11 +1,10 @@
+#include "installer/Surroundings.h"
 #include "installer/UpdateInstallation.h"
 #include "linux/base/SystemLog.h"
 #include "util/UpdateError.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -21,19 +20,6 @@ constexpr int kNotConfigured = 78;
 int complain(const std::string& problem, int exitCode) {
     std::fprintf(stdout, "%s\n", problem.c_str());
     return exitCode;
-}
-
-/// Whatever happens to who called us, the package manager is not to be stopped in the middle; and nothing of the caller's
-/// surroundings reaches it.
-void standAlone() {
-    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE}) std::signal(signal, SIG_IGN);
-    ::setsid();
-    ::umask(022);
-    ::clearenv();
-    ::setenv("PATH", "/usr/sbin:/usr/bin:/sbin:/bin", 1);
-    ::setenv("HOME", "/root", 1);
-    ::setenv("LC_ALL", "C.UTF-8", 1);
-    ::setenv("DEBIAN_FRONTEND", "noninteractive", 1);
 }
 
 }  // namespace
@@ -52,7 +38,7 @@ int main(int argc, char** argv) {
     if (!key) return complain("this client was built without a key for updates", kNotConfigured);
     const char* caller = std::getenv("PKEXEC_UID");
     const std::string who = caller == nullptr ? "" : std::string(", asked by user ") + caller;
-    standAlone();
+    installer::Surroundings::leave();
     linux::SystemLog log(linux::SystemLog::Journal::ofThisProcess());
     const auto installed = installer::UpdateInstallation({.key = *key, .package = HALVANE_PACKAGE, .directory = "/var/lib/halvane/updates"})
                                .install(STDIN_FILENO, signature);

@@ -46,13 +46,15 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 
 class SpawnSettings {
 public:
-    SpawnSettings() {
+    explicit SpawnSettings(const ChildStart& child) {
         ::posix_spawnattr_init(&attributes_);
         ::posix_spawn_file_actions_init(&actions_);
         sigset_t signals;
         ::sigemptyset(&signals);
         ::posix_spawnattr_setsigmask(&attributes_, &signals);
         ::sigfillset(&signals);
+        if (child.withoutInterruption)
+            for (const int signal : {SIGHUP, SIGINT, SIGTERM}) ::sigdelset(&signals, signal);
         ::posix_spawnattr_setsigdefault(&attributes_, &signals);
         ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     }
@@ -70,7 +72,8 @@ public:
         if (code == 0) code = duplicate(child.standardOutput, STDOUT_FILENO);
         if (code == 0) code = duplicate(child.standardError, STDERR_FILENO);
         if (code == 0) code = duplicate(child.extra, kExtra);
-        if (code == 0 && child.withoutInput && !child.standardInput) code = ::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        if (code == 0 && child.withoutInput && !child.standardInput)
+            code = ::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         std::error_code unknown;
         if (code == 0 && child.directory && std::filesystem::is_directory(*child.directory, unknown) &&
             ::access(child.directory->c_str(), X_OK) == 0)
@@ -93,16 +96,18 @@ util::Result<pid_t> ChildStart::start(const std::string& subject) const {
     auto words = arguments;
     auto variables = environmentFor(*this);
     pid_t pid = -1;
-    const int code = SpawnSettings().spawn(pid, *this, pointersTo(words).data(), pointersTo(variables).data());
+    const int code = SpawnSettings(*this).spawn(pid, *this, pointersTo(words).data(), pointersTo(variables).data());
     if (code != 0) return util::fileError(code, subject);
     return pid;
 }
 
 int ChildStart::awaitEnd(pid_t child) {
     int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    pid_t answer = -1;
+    while ((answer = ::waitpid(child, &status, 0)) < 0 && errno == EINTR) {
     }
-    return status;
+    constexpr int kNobodyKnows = 127 << 8;  // as a wait status has it
+    return answer < 0 ? kNobodyKnows : status;
 }
 
 }  // namespace halvane::linux

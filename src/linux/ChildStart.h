@@ -11,8 +11,8 @@
 
 namespace halvane::linux {
 
-/// How to start a child: by posix_spawn, with no signal blocked or ignored, and with no descriptor of ours but the
-/// standard ones and those named here. A value; any thread.
+/// How to start a child: by posix_spawn, with no signal blocked, none ignored unless it is asked for, and with no descriptor of ours but
+/// the standard ones and those named here. A value; any thread.
 struct ChildStart {
     std::string program;                                                ///< the file
     std::vector<std::string> arguments;                                 ///< with the program's own name first
@@ -22,13 +22,16 @@ struct ChildStart {
     std::optional<int> standardError = {};
     /// Becomes the child's descriptor 3.
     std::optional<int> extra = {};
+    /// Of SIGHUP, SIGINT and SIGTERM it goes on ignoring what this process ignores: it must not be stopped in the middle.
+    bool withoutInterruption = false;
     bool withoutInput = false;                  ///< reads from /dev/null; without effect when there is an input
     std::optional<std::string> directory = {};  ///< one that cannot be entered: ours
 
     /// The child's process id. Error: an errno, `subject` in its text. Texts with a NUL are EINVAL.
     [[nodiscard]] util::Result<pid_t> start(const std::string& subject) const;
 
-    /// Waits for a child's end and collects it: its wait status. Blocks.
+    /// Waits for a child's end and collects it: its wait status; that of a program which ended with 127, when it is no child of ours.
+    /// Blocks.
     static int awaitEnd(pid_t child);
 };
 

@@ -58,7 +58,7 @@ struct PkexecPackageInstaller::Work {
     /// Absent: the installer has gone, and nobody waits for the outcome.
     [[nodiscard]] std::optional<util::Result<void>> run() const {
         const Descriptor input(::open(package.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-        if (!input) return updateError(UpdateError::CannotSave, util::fileError(errno, "open " + package.string()).description);
+        if (!input) return updateError(UpdateError::PackageUnreachable, util::fileError(errno, "open " + package.string()).description);
         const auto started = pkexec.start(
             {.program = program.string(), .arguments = {signature}, .workingDirectory = "/", .input = input.get(), .stop = stop.get()});
         if (started.status != platform::kAuthorizationSuccess) return refusalOf(started.status);

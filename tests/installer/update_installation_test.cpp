@@ -1,5 +1,7 @@
 #include "installer/UpdateInstallation.h"
 
+#include "installer/Surroundings.h"
+#include "linux/ChildStart.h"
 #include "linux/base/Descriptor.h"
 #include "support/TemporaryDirectory.h"
 #include "support/TestSigner.h"
@@ -57,27 +59,39 @@ protected:
         return contentOf(file);
     }
     /// What `dpkg-query` says from now on.
-    void install(const std::string& version) { place(root() / "version", version); }
+    void install(const std::string& version, const std::string& status = "installed") {
+        place(root() / "version", version);
+        place(root() / "status", status);
+    }
     void aptGet(const std::string& script) { place(root() / "apt-get", "#!/bin/sh\n" + script + "\n", true); }
 
     [[nodiscard]] fs::path root() const { return directory.path(); }
     [[nodiscard]] fs::path updates() const { return root() / "var/halvane/updates"; }
 
     util::Result<std::string> run(const std::string& bytes, const std::string& signature) {
-        place(root() / "dpkg-query",
-              "#!/bin/sh\n[ \"$3\" = halvane ] && printf 'install %s' \"$(cat " + (root() / "version").string() + ")\"\n", true);
         place(root() / "handed over", bytes);
-        fs::create_directories(updates().parent_path().parent_path());
         const linux::Descriptor input(::open((root() / "handed over").c_str(), O_RDONLY | O_CLOEXEC));
-        UpdateInstallation::Settings settings{
-            .key = *util::PublicKey::fromBase64(signer.publicKey()), .package = "halvane", .directory = updates()};
-        return UpdateInstallation({.key = settings.key,
-                                   .package = settings.package,
-                                   .directory = settings.directory,
+        return run(input.get(), signature);
+    }
+    util::Result<std::string> run(int input, const std::string& signature) {
+        place(root() / "dpkg-query",
+              "#!/bin/sh\n[ \"$3\" = halvane ] && printf '%s %s' \"$(cat " + (root() / "status").string() + ")\" \"$(cat " +
+                  (root() / "version").string() + ")\"\n",
+              true);
+        fs::create_directories(updates().parent_path().parent_path());
+        return UpdateInstallation({.key = *util::PublicKey::fromBase64(signer.publicKey()),
+                                   .package = "halvane",
+                                   .directory = updates(),
                                    .dpkg = SystemProgram(fs::exists(root() / "dpkg") ? (root() / "dpkg").string() : "/usr/bin/dpkg"),
                                    .dpkgQuery = SystemProgram((root() / "dpkg-query").string()),
                                    .aptGet = SystemProgram((root() / "apt-get").string())})
-            .install(input.get(), signature);
+            .install(input, signature);
+    }
+    [[nodiscard]] int copiesLeft() const {
+        int count = 0;
+        std::error_code none;
+        for (const auto& entry : fs::directory_iterator(updates(), none)) count += entry.path().extension() == ".deb" ? 1 : 0;
+        return count;
     }
     util::Result<std::string> run(const std::string& bytes) { return run(bytes, signer.sign(bytes)); }
     static int codeOf(const util::Result<std::string>& result) { return result ? 0 : result.error().code; }
@@ -85,7 +99,8 @@ protected:
     /// Takes the package for installed, whatever it is, and notes what it was asked.
     std::string installing(const std::string& version) const {
         return "printf '%s\\n' \"$@\" >" + (root() / "asked").string() + "; cp \"$(printf '%s\\n' \"$@\" | tail -n 1)\" " +
-               (root() / "installed.deb").string() + "; printf " + version + " >" + (root() / "version").string();
+               (root() / "installed.deb").string() + "; printf " + version + " >" + (root() / "version").string() + "; printf installed >" +
+               (root() / "status").string();
     }
 
     const test::TemporaryDirectory directory;
@@ -93,8 +108,8 @@ protected:
 };
 
 TEST_F(UpdateInstallationTest, exactly_the_verified_bytes_reach_the_package_manager) {
-    aptGet(installing("1.1.0") + "; stat -c %a " + updates().string() + " " + (updates() / "package.deb").string() + " >" +
-           (root() / "modes").string() + "; env >" + (root() / "environment").string());
+    aptGet(installing("1.1.0") + "; stat -c %a " + updates().string() + " " + updates().string() + "/*.deb >" +
+           (root() / "modes").string());
     const std::string bytes = make({});
     const auto installed = run(bytes);
     ASSERT_TRUE(installed) << installed.error().description;
@@ -104,7 +119,7 @@ TEST_F(UpdateInstallationTest, exactly_the_verified_bytes_reach_the_package_mana
     const std::string asked = contentOf(root() / "asked");
     for (const char* word : {"--assume-yes\n", "--no-remove\n", "--only-upgrade\n", "install\n"})
         EXPECT_NE(asked.find(word), std::string::npos) << asked;
-    EXPECT_FALSE(fs::exists(updates() / "package.deb")) << "nothing is left";
+    EXPECT_EQ(copiesLeft(), 0);
 }
 
 TEST_F(UpdateInstallationTest, what_is_refused_is_never_installed) {
@@ -141,31 +156,29 @@ TEST_F(UpdateInstallationTest, what_is_refused_is_never_installed) {
         const auto result = run(bytes, signature);
         EXPECT_EQ(codeOf(result), static_cast<int>(expected)) << name;
         EXPECT_FALSE(fs::exists(root() / "asked")) << name;
-        EXPECT_FALSE(fs::exists(updates() / "package.deb")) << name;
+        EXPECT_EQ(copiesLeft(), 0) << name;
         std::cout << "  refused: " << name << " | " << (result ? "" : result.error().description) << "\n";
     }
     aptGet(installing("1.1.0"));
     EXPECT_EQ(codeOf(run(good)), 0) << "and the next one is installed";
 }
 
-TEST_F(UpdateInstallationTest, a_disk_that_is_full_leaves_nothing) {
+TEST_F(UpdateInstallationTest, a_copy_that_cannot_be_written_leaves_nothing) {
     const std::string good = make({});
     aptGet(installing("1.1.0"));
+    (void)run("");  // makes the directory, and what follows writes no file
+    place(root() / "handed over", good);
+    const linux::Descriptor input(::open((root() / "handed over").c_str(), O_RDONLY | O_CLOEXEC));
     rlimit before{};
     ::getrlimit(RLIMIT_FSIZE, &before);
-    (void)run("");  // makes the directory
     const rlimit small{30'000, before.rlim_max};
-    place(root() / "handed over", good);
     const auto was = std::signal(SIGXFSZ, SIG_IGN);
-    const linux::Descriptor input(::open((root() / "handed over").c_str(), O_RDONLY | O_CLOEXEC));
     ::setrlimit(RLIMIT_FSIZE, &small);
-    const auto result =
-        UpdateInstallation({.key = *util::PublicKey::fromBase64(signer.publicKey()), .package = "halvane", .directory = updates()})
-            .install(input.get(), signer.sign(good));
+    const auto result = run(input.get(), signer.sign(good));
     ::setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, was);
     EXPECT_EQ(codeOf(result), static_cast<int>(UpdateError::CannotCopy));
-    EXPECT_FALSE(fs::exists(updates() / "package.deb"));
+    EXPECT_EQ(copiesLeft(), 0);
     EXPECT_FALSE(fs::exists(root() / "asked"));
 }
 
@@ -176,11 +189,15 @@ TEST_F(UpdateInstallationTest, what_the_package_manager_says_becomes_a_reason) {
         {"echo \"E: You don't have enough free space in /var/cache/apt/archives/.\"; exit 100", UpdateError::NoSpace},
         {"echo 'dpkg: error: failed to write: No space left on device' >&2; exit 100", UpdateError::NoSpace},
         {"echo 'E: Unmet dependencies.'; exit 100", UpdateError::InstallationFailed},
+        {"echo 'Waiting for cache lock: Could not get lock /var/lib/dpkg/lock-frontend.'; echo 'E: Unmet dependencies.'; exit 100",
+         UpdateError::InstallationFailed},
+        {installing("1.1.0") + "; printf half-configured >" + (root() / "status").string() + "; exit 0", UpdateError::InstallationFailed},
         {"exit 0", UpdateError::InstallationFailed},
         {"kill -9 $$", UpdateError::InstallationFailed},
     };
     for (const auto& [script, expected] : rows) {
         aptGet(script);
+        install("1.0.0");
         const auto result = run(good);
         EXPECT_EQ(codeOf(result), static_cast<int>(expected)) << script;
         std::cout << "  refused: " << (result ? "" : result.error().description) << "\n";
@@ -192,27 +209,72 @@ TEST_F(UpdateInstallationTest, what_the_package_manager_says_becomes_a_reason) {
 TEST_F(UpdateInstallationTest, a_package_manager_that_was_interrupted_is_mended_and_asked_again) {
     const std::string mended = (root() / "mended").string();
     const std::string refuse = "echo 'E: dpkg was interrupted, you must manually run'; exit 100";
-    place(root() / "dpkg", "#!/bin/sh\n[ \"$1\" = --print-architecture ] && exec dpkg \"$@\"; printf %s \"$1 $2\" >" + mended + "\n", true);
+    place(root() / "dpkg",
+          "#!/bin/sh\n[ \"$1\" = --print-architecture ] && exec dpkg \"$@\"; printf '%s ' \"$@\" >" + mended + "; exit 1\n", true);
     aptGet("[ -e " + mended + " ] || { " + refuse + "; }; " + installing("1.1.0"));
     EXPECT_EQ(codeOf(run(make({}))), 0);
-    EXPECT_EQ(contentOf(mended), "--configure --pending");
+    EXPECT_EQ(contentOf(mended), "--configure --force-confdef --force-confold halvane ") << "nobody else's package";
     aptGet(refuse);
     install("1.0.0");
     EXPECT_EQ(codeOf(run(make({}))), static_cast<int>(UpdateError::InstallationFailed)) << "it is asked twice, not for ever";
+}
+
+TEST_F(UpdateInstallationTest, an_installation_that_was_cut_off_is_brought_to_its_end_by_the_same_package) {
+    aptGet(installing("1.1.0"));
+    for (const char* status : {"unpacked", "half-configured", "half-installed"}) {
+        install("1.1.0", status);
+        EXPECT_EQ(codeOf(run(make({}))), 0) << status;
+    }
+    install("1.2.0", "unpacked");
+    EXPECT_EQ(codeOf(run(make({}))), static_cast<int>(UpdateError::NotHigher));
+    for (const char* status : {"triggers-pending", "installed"}) {
+        install("1.1.0", status);
+        EXPECT_EQ(codeOf(run(make({}))), static_cast<int>(UpdateError::NotHigher)) << status;
+    }
+    for (const char* status : {"config-files", "not-installed", ""}) {
+        install("1.0.0", status);
+        EXPECT_EQ(codeOf(run(make({}))), static_cast<int>(UpdateError::InstallationFailed)) << status;
+    }
+}
+
+TEST_F(UpdateInstallationTest, nothing_of_the_callers_reaches_or_stops_the_package_manager) {
+    aptGet("kill -HUP $$; kill -INT $$; kill -TERM $$; { env; ulimit -f; ulimit -t; nice; } >" + (root() / "surroundings").string() + "; " +
+           installing("1.1.0"));
+    const std::string good = make({});
+    const auto child = ::fork();
+    if (child == 0) {
+        const rlimit small{100 << 20, RLIM_INFINITY};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+        ::setenv("LD_PRELOAD", "", 1);
+        ::setenv("HALVANE_TOOL_ROOT", "/elsewhere", 1);
+        std::signal(SIGCHLD, SIG_IGN);
+        Surroundings::leave();
+        ::_exit(codeOf(run(good)));
+    }
+    EXPECT_EQ(linux::ChildStart::awaitEnd(child), 0);
+    const std::string surroundings = contentOf(root() / "surroundings");
+    EXPECT_NE(surroundings.find("DEBIAN_FRONTEND=noninteractive\n"), std::string::npos);
+    EXPECT_NE(surroundings.find("PATH=/usr/sbin:/usr/bin:/sbin:/bin\n"), std::string::npos);
+    EXPECT_EQ(surroundings.find("LD_PRELOAD"), std::string::npos);
+    EXPECT_EQ(surroundings.find("HALVANE_"), std::string::npos);
+    if (::geteuid() == 0) {
+        EXPECT_NE(surroundings.find("\nunlimited\nunlimited\n0\n"), std::string::npos) << surroundings;
+    }
 }
 
 TEST_F(UpdateInstallationTest, one_at_a_time_and_what_a_killed_one_left_is_no_hindrance) {
     const std::string good = make({});
     aptGet(installing("1.1.0"));
     (void)run("");
-    place(updates() / "package.deb", "left by one that was killed");
+    place(updates() / "package-left.deb", "left by one that was killed");
     {
         const linux::Descriptor lock(::open((updates() / "lock").c_str(), O_RDWR | O_CLOEXEC));
         ASSERT_EQ(::flock(lock.get(), LOCK_EX), 0);
         EXPECT_EQ(codeOf(run(good)), static_cast<int>(UpdateError::Busy));
-        EXPECT_TRUE(fs::exists(updates() / "package.deb")) << "which may be what the other one installs";
+        EXPECT_EQ(copiesLeft(), 1) << "which may be what the other one installs";
     }
     EXPECT_EQ(codeOf(run(good)), 0);
+    EXPECT_EQ(copiesLeft(), 0);
 }
 
 TEST_F(UpdateInstallationTest, a_directory_that_others_can_reach_is_not_used) {

@@ -105,9 +105,9 @@ TEST_F(PackageInstallerTest, whoever_does_not_get_the_authorisation_learns_why) 
 
 TEST_F(PackageInstallerTest, what_is_no_file_of_the_person_s_is_not_opened) {
     fs::rename(at("package.deb"), at("other"));
-    EXPECT_EQ(install(), static_cast<int>(UpdateError::CannotSave));
+    EXPECT_EQ(install(), static_cast<int>(UpdateError::PackageUnreachable));
     fs::create_symlink(at("other"), at("package.deb"));
-    EXPECT_EQ(install(), static_cast<int>(UpdateError::CannotSave));
+    EXPECT_EQ(install(), static_cast<int>(UpdateError::PackageUnreachable));
     EXPECT_FALSE(fs::exists(at("received")));
 }
 
