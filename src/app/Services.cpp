@@ -94,7 +94,8 @@ struct Services::Parts {
     std::shared_ptr<platform::DispatchQueue> toolQueue = queues->makeSerial("com.halvane.tools");
     // Of its own, because a certificate's import may keep the tools busy for long.
     std::shared_ptr<platform::DispatchQueue> uninstallQueue = queues->makeSerial("com.halvane.uninstall");
-    // Of its own, because installing takes as long as the person and the package manager do.
+    // Of its own, because installing takes as long as the person and the package manager do; serial, so that what an ended download
+    // leaves to be done is done before the next one begins.
     std::shared_ptr<platform::DispatchQueue> updateQueue = queues->makeSerial("com.halvane.update");
     std::shared_ptr<platform::DispatchQueue> workQueue = queues->makeConcurrent("com.halvane.work");
     linux::FreedesktopNotifications desktopNotifications{queues->makeSerial("com.halvane.notifications"), log};
@@ -133,7 +134,7 @@ std::unique_ptr<platform::Updater> Services::Parts::makeUpdater(const Settings& 
         .installer = *installer,
         .log = log,
         .mainQueue = mainLoop,
-        .worker = workQueue,
+        .worker = updateQueue,
         .directory = directories.caches() / "updates",
         .source = {.feedUrl = Deployment::kUpdateFeedUrl, .key = *key, .userAgent = userAgent},
         .client = {.package = Deployment::kPackage,

@@ -115,6 +115,9 @@ util::Result<Appcast> Appcast::read(const util::Bytes& bytes, const util::Public
 
 util::Result<void> Appcast::checkFresh(Instant now, std::optional<Instant> newestSeen) const {
     if (now >= expires_) return updateError(UpdateError::FeedExpired, "The update feed expired at " + textOf(expires_) + ".");
+    constexpr std::chrono::hours kMostAhead{24};  // clocks differ
+    if (issued_ > now + kMostAhead)
+        return updateError(UpdateError::FeedExpired, "The update feed was issued at " + textOf(issued_) + ", which is yet to come.");
     if (newestSeen && issued_ < *newestSeen)
         return updateError(UpdateError::FeedOlder, "The update feed of " + textOf(issued_) + " is older than the one of " +
                                                        textOf(*newestSeen) + " that was seen.");

@@ -31,7 +31,8 @@ public:
     [[nodiscard]] Instant issued() const { return issued_; }
     [[nodiscard]] const std::vector<UpdateItem>& items() const { return items_; }
 
-    /// Errors: FeedExpired, and FeedOlder than `newestSeen`: whoever replays a feed hides what came after it.
+    /// Errors: FeedExpired, which one from the future counts as too (remembered, it would hide all that come before it), and FeedOlder than
+    /// `newestSeen`: whoever replays a feed hides what came after it.
     [[nodiscard]] util::Result<void> checkFresh(Instant now, std::optional<Instant> newestSeen) const;
 
     /// The highest of the packages that are higher than `client` and run here; absent when there is none.

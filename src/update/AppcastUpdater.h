@@ -25,8 +25,8 @@ public:
         platform::PackageInstaller& installer;
         util::Log& log;
         std::shared_ptr<platform::DispatchQueue> mainQueue;
-        std::shared_ptr<platform::DispatchQueue> worker;
-        std::filesystem::path directory;  ///< of the downloaded package; nothing else stands there
+        std::shared_ptr<platform::DispatchQueue> worker;  ///< serial
+        std::filesystem::path directory;                  ///< of the downloaded package; nothing else stands there
         UpdateSource source;
         InstalledClient client;
         std::function<Appcast::Instant()> now;

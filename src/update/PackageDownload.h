@@ -26,7 +26,8 @@ public:
         std::shared_ptr<platform::HttpSession> session;  ///< its results come on the main thread
         platform::FileStore& files;                      ///< outlives what waits on `worker`
         std::shared_ptr<platform::DispatchQueue> mainQueue;
-        std::shared_ptr<platform::DispatchQueue> worker;  ///< where files are read and signatures verified
+        /// Serial: where files are read and signatures verified, one download's after another's.
+        std::shared_ptr<platform::DispatchQueue> worker;
         std::filesystem::path directory;
         UpdateSource source;
     };

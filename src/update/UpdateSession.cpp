@@ -43,17 +43,19 @@ void UpdateSession::answered(const FeedCheck::Answer& answer) {
     const auto check = std::move(check_);  // whose answer this is
     if (!answer) return fail(answer.error());
     item_ = *answer;
+    if (item_ && ready_ && ready_->item == *item_) return enter(Stage::Ready, UpdateTexts::ready(*item_));
     if (item_) return enter(Stage::Offer, UpdateTexts::offer(*item_, to_.installedVersion));
     enter(Stage::UpToDate, UpdateTexts::upToDate(to_.installedVersion));
 }
 
 void UpdateSession::download() {
+    ready_.reset();
     enter(Stage::Downloading, UpdateTexts::downloading(*item_, 0));
     download_ = to_.makeDownload();
-    download_->start(*item_,
-                     {.onProgress = [this](const auto& progress) { screen_.setScene(UpdateTexts::downloading(*item_, progress.completed)); },
-                      .onVerifying = [this] { screen_.setScene(UpdateTexts::verifying(*item_)); },
-                      .onEnd = [this](const auto& outcome) { downloaded(outcome); }});
+    download_->start(
+        *item_, {.onProgress = [this](const auto& progress) { screen_.setScene(UpdateTexts::downloading(*item_, progress.completed)); },
+                 .onVerifying = [this] { screen_.setScene(UpdateTexts::verifying(*item_)); },
+                 .onEnd = [this](const auto& outcome) { downloaded(outcome); }});
 }
 
 void UpdateSession::downloaded(const util::Result<std::filesystem::path>& outcome) {
@@ -62,14 +64,14 @@ void UpdateSession::downloaded(const util::Result<std::filesystem::path>& outcom
         to_.log.write("updates: " + outcome.error().description);
         return fail(outcome.error());
     }
-    package_ = *outcome;
+    ready_ = Ready{*item_, *outcome};
     enter(Stage::Ready, UpdateTexts::ready(*item_));
 }
 
 void UpdateSession::install() {
     enter(Stage::Installing, UpdateTexts::installing(*item_));
     to_.log.write("updates: installing " + item_->version);
-    to_.installer.install(package_, item_->signature, [this, alive = std::weak_ptr(alive_)](const util::Result<void>& outcome) {
+    to_.installer.install(ready_->package, item_->signature, [this, alive = std::weak_ptr(alive_)](const util::Result<void>& outcome) {
         if (!alive.expired()) ended(outcome);
     });
 }
@@ -80,7 +82,9 @@ void UpdateSession::ended(const util::Result<void>& outcome) {
         enter(Stage::Installed, UpdateTexts::installed(*item_));
     } else {
         to_.log.write("updates: " + item_->version + " was not installed: " + outcome.error().description);
-        fail(outcome.error());
+        ready_.reset();
+        const bool isInstalled = UpdateTexts::isInstalledAlready(outcome.error());
+        enter(isInstalled ? Stage::Installed : Stage::Failed, UpdateTexts::failed(outcome.error()));
     }
     screen_.present(UpdateScreen::Attention::Quiet);  // it may have been hidden
 }
@@ -110,7 +114,7 @@ void UpdateSession::primary() {
 
 void UpdateSession::closed() {
     screen_.dismiss();
-    if (stage_ == Stage::Ready || stage_ == Stage::Installing || stage_ == Stage::Installed) return;
+    if (stage_ == Stage::Installing || stage_ == Stage::Installed) return;
     check_.reset();
     download_.reset();
     item_.reset();

@@ -20,7 +20,8 @@ namespace halvane::update {
 /// that says why, and can be tried again from the check on.
 ///
 /// Main thread. Closing the window ends a check and a download, and puts off an offer. What is downloaded waits to be installed, and
-/// an installation goes on: its end brings the window back. `screen` and `installer` outlive it.
+/// an installation goes on: its end brings the window back. A package that was put off is looked up in the feed before it is offered again.
+/// `screen` and `installer` outlive it.
 class UpdateSession {
 public:
     struct Collaborators {
@@ -59,8 +60,14 @@ private:
     UpdateScreen& screen_;
     const Collaborators to_;
     Stage stage_ = Stage::Idle;
+    /// A package that was verified, and where it stands.
+    struct Ready {
+        UpdateItem item;
+        std::filesystem::path package;
+    };
+
     std::optional<UpdateItem> item_;
-    std::filesystem::path package_;
+    std::optional<Ready> ready_;
     std::unique_ptr<FeedCheck> check_;
     std::unique_ptr<PackageDownload> download_;
     std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);

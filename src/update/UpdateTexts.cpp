@@ -18,6 +18,9 @@ constexpr const char* kCancel = "取消";
 
 std::string sizeOf(std::uint64_t bytes) { return util::SizeText::formatSize(static_cast<double>(bytes)); }
 
+/// What is new stays before the person's eyes from the offer to the restart.
+std::string notesOf(const UpdateItem& item) { return item.notes.empty() ? "此版本没有更新说明。" : item.notes; }
+
 std::string reasonForFeed(UpdateError code) {
     switch (code) {
         case UpdateError::FeedUnreachable:
@@ -54,7 +57,7 @@ std::string reasonForPackage(UpdateError code) {
         case UpdateError::OtherArchitecture:
             return "更新不适用于这台电脑的处理器架构，已拒绝。";
         case UpdateError::NotHigher:
-            return "更新的版本不高于已安装的版本，已拒绝。";
+            return "更新的版本不高于已安装的版本，已拒绝。重新启动 Halvane 即可使用已安装的版本。";
         default:
             return {};
     }
@@ -75,7 +78,7 @@ std::string reasonForInstallation(UpdateError code) {
         case UpdateError::Dismissed:
             return "没有获得管理员授权，没有安装任何内容。";
         case UpdateError::NotAllowed:
-            return "系统策略不允许您安装更新，请联系 IT 服务台。";
+            return "没有获得管理员授权：系统不允许，或无法显示授权窗口。请联系 IT 服务台。";
         case UpdateError::NoAuthority:
             return "这台电脑上没有可用的管理员授权服务，请联系 IT 服务台。";
         default:
@@ -96,8 +99,8 @@ UpdateScene UpdateTexts::upToDate(const std::string& version) {
 
 UpdateScene UpdateTexts::offer(const UpdateItem& item, const std::string& installed) {
     return {.heading = "发现新版本 V" + item.version,
-            .text = fmt::format("当前版本 V{}，下载大小 {}。是否现在下载？", installed, sizeOf(item.length)),
-            .notes = item.notes.empty() ? "此版本没有更新说明。" : item.notes,
+            .text = fmt::format("当前版本 V{}，下载大小 {}。", installed, sizeOf(item.length)),
+            .notes = notesOf(item),
             .primary = "下载更新",
             .secondary = kLater};
 }
@@ -106,18 +109,24 @@ UpdateScene UpdateTexts::downloading(const UpdateItem& item, std::uint64_t recei
     const auto done = std::min(received, item.length);
     return {.heading = "正在下载 V" + item.version,
             .text = fmt::format("{} / {}", sizeOf(done), sizeOf(item.length)),
+            .notes = notesOf(item),
             .isBusy = true,
             .fraction = static_cast<double>(done) / static_cast<double>(item.length),
             .secondary = kCancel};
 }
 
 UpdateScene UpdateTexts::verifying(const UpdateItem& item) {
-    return {.heading = "正在验证 V" + item.version, .text = "正在核对长度和公司的签名。", .isBusy = true, .secondary = kCancel};
+    return {.heading = "正在验证 V" + item.version,
+            .text = "正在核对长度和公司的签名。",
+            .notes = notesOf(item),
+            .isBusy = true,
+            .secondary = kCancel};
 }
 
 UpdateScene UpdateTexts::ready(const UpdateItem& item) {
     return {.heading = fmt::format("V{} 已准备好安装", item.version),
             .text = "下载的更新由公司签名。安装需要管理员授权，安装后重新启动 Halvane 即可使用。",
+            .notes = notesOf(item),
             .mood = UpdateScene::Mood::Good,
             .primary = "安装",
             .secondary = kLater};
@@ -125,7 +134,8 @@ UpdateScene UpdateTexts::ready(const UpdateItem& item) {
 
 UpdateScene UpdateTexts::installing(const UpdateItem& item) {
     return {.heading = "正在安装 V" + item.version,
-            .text = "请在系统的授权窗口中确认。安装期间可以继续使用 Halvane。",
+            .text = "如果系统询问，请在授权窗口中确认。安装期间可以继续使用 Halvane。",
+            .notes = notesOf(item),
             .isBusy = true,
             .secondary = "隐藏"};
 }
@@ -133,13 +143,22 @@ UpdateScene UpdateTexts::installing(const UpdateItem& item) {
 UpdateScene UpdateTexts::installed(const UpdateItem& item) {
     return {.heading = fmt::format("V{} 已安装", item.version),
             .text = "重新启动 Halvane 后使用新版本。",
+            .notes = notesOf(item),
             .mood = UpdateScene::Mood::Good,
             .primary = "重新启动",
             .secondary = kLater};
 }
 
 UpdateScene UpdateTexts::failed(const util::Error& error) {
-    return {.heading = "没有更新", .text = reason(error), .mood = UpdateScene::Mood::Bad, .primary = "重试", .secondary = "关闭"};
+    return {.heading = "没有更新",
+            .text = reason(error),
+            .mood = UpdateScene::Mood::Bad,
+            .primary = isInstalledAlready(error) ? "重新启动" : "重试",
+            .secondary = "关闭"};
+}
+
+bool UpdateTexts::isInstalledAlready(const util::Error& error) {
+    return error.domain == util::kUpdateErrorDomain && error.code == static_cast<int>(UpdateError::NotHigher);
 }
 
 std::string UpdateTexts::reason(const util::Error& error) {

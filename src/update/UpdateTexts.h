@@ -20,6 +20,8 @@ struct UpdateTexts {
     static UpdateScene installing(const UpdateItem& item);
     static UpdateScene installed(const UpdateItem& item);
     static UpdateScene failed(const util::Error& error);
+    /// Somebody else has installed what the running program has not: trying again would lead in a circle, a restart does not.
+    static bool isInstalledAlready(const util::Error& error);
 
     /// Why there is no update, in a sentence or two; what to do where the person can do something.
     static std::string reason(const util::Error& error);

@@ -9,6 +9,7 @@
 #include "ui/widgets/TextArea.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QLabel>
 #include <algorithm>
@@ -19,16 +20,17 @@ namespace {
 
 using C = ui::HDCLUICenter;
 
-constexpr int kWidth = 440;
+constexpr QSize kSize(440, 340);
 constexpr int kMargin = 28;
 constexpr int kLogo = 64;
 constexpr int kTextLeft = kMargin + kLogo + 20;
-constexpr int kTextWidth = kWidth - kTextLeft - kMargin;
+constexpr int kTextWidth = kSize.width() - kTextLeft - kMargin;
 constexpr int kHeadingHeight = 32;
-constexpr int kLineHeight = 20;
-constexpr int kNotesHeight = 176;
+constexpr int kTextHeight = 40;   // two lines
+constexpr int kAloneHeight = 80;  // four, where nothing stands below them
 constexpr int kGap = 20;
 constexpr QSize kButton(112, 40);
+constexpr int kButtonTop = kSize.height() - 24 - kButton.height();
 constexpr int kButtonGap = 12;
 
 QColor colourOf(UpdateScene::Mood mood) {
@@ -54,6 +56,8 @@ UpdateWindow::UpdateWindow() {
     setObjectName(QStringLiteral("UpdateWindow"));
     setWindowTitle(QStringLiteral("软件更新"));
     setStandardButtonHidden(StandardButton::Miniaturize);
+    setContentSize(kSize);
+    sinceNews_.start();
     setUpUI();
     UpdateWindow::setScene(UpdateScene());
 }
@@ -79,12 +83,12 @@ void UpdateWindow::setUpUI() {
     progressBar->setObjectName(QStringLiteral("progressBar"));
     primaryBtn->setObjectName(QStringLiteral("primaryBtn"));
     secondaryBtn->setObjectName(QStringLiteral("secondaryBtn"));
-    QObject::connect(primaryBtn, &QPushButton::clicked, this, [this] {
-        if (onPrimary) onPrimary();
-    });
-    QObject::connect(secondaryBtn, &QPushButton::clicked, this, [this] {
-        if (onSecondary) onSecondary();
-    });
+    QObject::connect(primaryBtn, &QPushButton::clicked, this, [this] { pressed(onPrimary); });
+    QObject::connect(secondaryBtn, &QPushButton::clicked, this, [this] { pressed(onSecondary); });
+}
+
+void UpdateWindow::pressed(const std::function<void()>& action) {
+    if (action && sinceNews_.elapsed() >= QApplication::doubleClickInterval()) action();
 }
 
 void UpdateWindow::setScene(const UpdateScene& scene) {
@@ -99,33 +103,29 @@ void UpdateWindow::setScene(const UpdateScene& scene) {
     progressBar->setVisible(scene.isBusy);
     setTitle(*primaryBtn, scene.primary);
     setTitle(*secondaryBtn, scene.secondary);
-    place(scene);
+    place();
     if (!isNews) return;
+    sinceNews_.start();
     if (isVisible()) setFocus(Qt::OtherFocusReason);  // a key that is still held must not press the next scene's button
     announce();
 }
 
-void UpdateWindow::place(const UpdateScene& scene) {
+void UpdateWindow::place() {
+    const bool isAlone = notesView->isHidden() && progressBar->isHidden();
     iconImgView->setGeometry(kMargin, kMargin, kLogo, kLogo);
     headingLabel->setGeometry(kTextLeft, kMargin, kTextWidth, kHeadingHeight);
-    const int textHeight = std::max(kLineHeight, textLabel->heightForWidth(kTextWidth));
-    textLabel->setGeometry(kTextLeft, kMargin + kHeadingHeight + 4, kTextWidth, textHeight);
-    int bottom = std::max(textLabel->geometry().bottom() + 1, kMargin + kLogo) + kGap;
-    if (!scene.notes.empty()) {
-        notesView->setGeometry(kMargin, bottom, kWidth - 2 * kMargin, kNotesHeight);
-        bottom += kNotesHeight + kGap;
-    }
-    // Kept free in every scene, so that the buttons stay where they are from the download on.
-    progressBar->setGeometry(kTextLeft, bottom - kGap, kTextWidth, kGap);
+    textLabel->setGeometry(kTextLeft, kMargin + kHeadingHeight + 4, kTextWidth, isAlone ? kAloneHeight : kTextHeight);
+    constexpr int kBelowText = kMargin + kHeadingHeight + 4 + kTextHeight;
+    constexpr int kNotesTop = kBelowText + kGap + 4;
+    notesView->setGeometry(kMargin, kNotesTop, kSize.width() - 2 * kMargin, kButtonTop - kGap - kNotesTop);
+    progressBar->setGeometry(kTextLeft, kBelowText, kTextWidth, kGap);
     const auto widthOf = [](const QPushButton& button) { return std::max(kButton.width(), button.sizeHint().width() - 2 * C::ringMargin); };
-    int right = kWidth - kMargin;
-    for (auto* button : {static_cast<ui::PushButton*>(primaryBtn), static_cast<ui::PushButton*>(secondaryBtn)}) {
-        if (button->isHidden()) continue;
-        const int width = widthOf(*button);
-        button->setVisibleGeometry({right - width, bottom + 4, width, kButton.height()});
-        right -= width + kButtonGap;
-    }
-    setContentSize({kWidth, bottom + 4 + kButton.height() + 24});
+    const int primaryWidth = widthOf(*primaryBtn);
+    const int primaryLeft = kSize.width() - kMargin - primaryWidth;
+    primaryBtn->setVisibleGeometry({primaryLeft, kButtonTop, primaryWidth, kButton.height()});
+    // Also where there is no key button: none of the two shall ever stand where the other did.
+    const int secondaryWidth = widthOf(*secondaryBtn);
+    secondaryBtn->setVisibleGeometry({primaryLeft - kButtonGap - secondaryWidth, kButtonTop, secondaryWidth, kButton.height()});
 }
 
 void UpdateWindow::announce() {
@@ -137,6 +137,8 @@ void UpdateWindow::announce() {
 }
 
 void UpdateWindow::present(Attention attention) {
+    qApp->installEventFilter(this);
+    setAttribute(Qt::WA_ShowWithoutActivating, attention == Attention::Quiet);
     if (!isVisible()) center();
     if (attention == Attention::Keyboard) {
         makeKeyAndOrderFront();
@@ -145,7 +147,23 @@ void UpdateWindow::present(Attention attention) {
     }
 }
 
-void UpdateWindow::dismiss() { orderOut(); }
+void UpdateWindow::dismiss() {
+    qApp->removeEventFilter(this);
+    orderOut();
+}
+
+/// The first sign-in of the day brings the main window just after the offer. Desktops lift what becomes active, so that this is
+/// waited for.
+bool UpdateWindow::eventFilter(QObject* object, QEvent* event) {
+    if (object != this && dynamic_cast<ui::HDCLBaseWindow*>(object) != nullptr) {
+        if (event->type() == QEvent::Show && !event->spontaneous()) newcomer_ = object;
+        if (event->type() == QEvent::WindowActivate && newcomer_ == object) {
+            newcomer_.clear();
+            raise();
+        }
+    }
+    return PanelWindow::eventFilter(object, event);
+}
 
 void UpdateWindow::closeEvent(QCloseEvent* event) {
     event->ignore();  // whoever shows the scenes decides

@@ -16,6 +16,7 @@ namespace {
 class UpdateWindowTest : public test::ViewTest<UpdateWindow> {
 protected:
     UpdateWindowTest() {
+        QApplication::setDoubleClickInterval(0);
         window.onPrimary = [this] { events.emplace_back("primary"); };
         window.onSecondary = [this] { events.emplace_back("secondary"); };
         window.onClosed = [this] { events.emplace_back("closed"); };
@@ -23,8 +24,10 @@ protected:
         window.present(UpdateScreen::Attention::Keyboard);
         show(window, window.size());
     }
+    ~UpdateWindowTest() override { QApplication::setDoubleClickInterval(interval); }
     bool isShown(const char* name) { return control(name).isVisible(); }
 
+    const int interval = QApplication::doubleClickInterval();
     const UpdateItem item{.version = "1.1.0", .notes = "第一行\n<b>第二行</b>", .length = 4'200'000};
     UpdateWindow window;
     std::vector<std::string> events;
@@ -88,6 +91,28 @@ TEST_F(UpdateWindowTest, buttons_keys_and_the_frame_reach_whoever_decides) {
     EXPECT_EQ(events.size(), 4U);
 }
 
+TEST_F(UpdateWindowTest, a_press_for_the_last_scene_reaches_nothing_in_the_next) {
+    QApplication::setDoubleClickInterval(60'000);
+    const QRect primary = control("primaryBtn").geometry();
+    window.setScene(UpdateTexts::installing(item));
+    EXPECT_FALSE(control("secondaryBtn").geometry().intersects(primary)) << "no button stands where another did";
+    click("secondaryBtn");
+    window.setScene(UpdateTexts::installed(item));
+    QTest::mouseDClick(&control("primaryBtn"), Qt::LeftButton);
+    EXPECT_TRUE(events.empty());
+    QApplication::setDoubleClickInterval(0);
+    click("primaryBtn");
+    EXPECT_EQ(events, std::vector<std::string>{"primary"});
+}
+
+TEST_F(UpdateWindowTest, an_offer_takes_no_keyboard_and_stays_above_windows_that_come_later) {
+    window.dismiss();
+    window.present(UpdateScreen::Attention::Quiet);
+    EXPECT_TRUE(window.testAttribute(Qt::WA_ShowWithoutActivating));
+    window.present(UpdateScreen::Attention::Keyboard);
+    EXPECT_FALSE(window.testAttribute(Qt::WA_ShowWithoutActivating));
+}
+
 TEST_F(UpdateWindowTest, a_key_that_is_still_held_presses_nothing_in_the_next_scene) {
     control("primaryBtn").setFocus(Qt::TabFocusReason);
     press(Qt::Key_Return);
@@ -95,9 +120,10 @@ TEST_F(UpdateWindowTest, a_key_that_is_still_held_presses_nothing_in_the_next_sc
     press(Qt::Key_Return);
     press(Qt::Key_Space);
     EXPECT_EQ(events, std::vector<std::string>{"primary"});
-    press(Qt::Key_Tab);
-    EXPECT_EQ(focused(), "secondaryBtn");
-    press(Qt::Key_Tab);
+    for (const char* next : {"notesView", "secondaryBtn", "primaryBtn"}) {
+        press(Qt::Key_Tab);
+        EXPECT_EQ(focused(), next);
+    }
     press(Qt::Key_Return);
     EXPECT_EQ(events.size(), 2U);
     window.setScene(UpdateTexts::downloading(item, 1));

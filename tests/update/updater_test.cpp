@@ -78,7 +78,7 @@ TEST_F(AppcastUpdaterTest, in_the_background_it_shows_itself_only_with_an_offer_
     EXPECT_TRUE(story.screen->isShown);
     EXPECT_FALSE(story.screen->hadKeyboard);
     EXPECT_EQ(story.screen->scene.notes, "新的更新窗口");
-    EXPECT_EQ(story.screen->scene.text, "当前版本 V1.0.0，下载大小 292.97KB。是否现在下载？");
+    EXPECT_EQ(story.screen->scene.text, "当前版本 V1.0.0，下载大小 292.97KB。");
     EXPECT_EQ(story.filesLeft(), 0U);
     EXPECT_EQ(story.server.requests().size(), 2U) << "nothing is fetched before the person says so";
 }
@@ -137,9 +137,15 @@ TEST_F(AppcastUpdaterTest, what_is_downloaded_waits_and_an_installation_goes_on_
     reach("安装");
     story.screen->onClosed();
     EXPECT_FALSE(story.screen->isShown);
-    story.updater->checkForUpdates();
-    EXPECT_TRUE(story.screen->isShown);
-    EXPECT_EQ(story.screen->scene.primary, "安装");
+    story.check();
+    EXPECT_EQ(story.screen->scene.primary, "安装") << "it is still on offer, and need not be fetched again";
+    story.screen->onClosed();
+    story.publish({.version = "1.0.5"});
+    story.check();
+    EXPECT_EQ(story.screen->scene.primary, "下载更新") << "what is no longer on offer is not installed";
+    story.screen->onClosed();
+    story.publish({});
+    story.check();
     story.press();
     story.screen->onSecondary();
     EXPECT_FALSE(story.screen->isShown);
@@ -178,13 +184,14 @@ TEST_F(AppcastUpdaterTest, the_newest_feed_is_remembered_beyond_the_end_of_the_p
     story.publish({.version = "1.0.5", .issued = "2026-11-23T12:30:00Z"});
     story.press();
     EXPECT_EQ(story.screen->scene.heading, "发现新版本 V1.0.5");
-    // A feed from the future would hold back all others; one that is not fresh is not remembered.
-    story.now = "2026-12-23T12:30:00Z";
-    story.publish({.issued = "2026-11-24T12:30:00Z"});
-    story.screen->onSecondary();
-    story.check();
-    EXPECT_EQ(story.screen->scene.heading, "没有更新");
-    EXPECT_EQ(*util::textOf(story.preferences.values.find("HALVANE_UpdateFeedIssued")), "2026-11-23T12:30:00Z");
+    // Of a feed from the future nothing is kept: it would hide all others until then.
+    for (const auto& [issued, heading] :
+         {std::pair{"2027-11-23T12:30:00Z", "没有更新"}, std::pair{"2026-11-23T12:30:01Z", "发现新版本 V1.1.0"}}) {
+        story.publish({.issued = issued, .expires = "2027-12-01T00:00:00Z"});
+        story.screen->onSecondary();
+        story.check();
+        EXPECT_EQ(story.screen->scene.heading, heading);
+    }
 }
 
 TEST_F(AppcastUpdaterTest, it_may_go_at_any_moment) {

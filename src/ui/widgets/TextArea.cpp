@@ -4,7 +4,6 @@
 #include "ui/widgets/ScrollBar.h"
 
 #include <QContextMenuEvent>
-#include <QPainter>
 #include <QScrollBar>
 
 namespace halvane::ui {
@@ -24,15 +23,10 @@ TextArea::TextArea(const QString& name, QWidget* parent) : QPlainTextEdit(parent
     setFont(C::font(C::Type::Caption));
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     ScrollBar::applyTo(*verticalScrollBar());
-    setViewportMargins(8, 8, 2, 8);
-    viewport()->setAutoFillBackground(false);
-}
-
-void TextArea::paintEvent(QPaintEvent* event) {
-    QPainter painter(viewport());
-    painter.fillRect(viewport()->rect(), C::colorSub);
-    painter.end();
-    QPlainTextEdit::paintEvent(event);
+    // Selected by class, so that the scroll bar keeps its own.
+    setStyleSheet(QStringLiteral("QPlainTextEdit { background: %1; border: none; border-radius: %2px; padding: 8px 2px 8px 8px }")
+                      .arg(C::colorSub.name())
+                      .arg(C::radiusCard));
 }
 
 // Its entries would stand in another language than ours; the keys work.

@@ -10,7 +10,6 @@ public:
     TextArea(const QString& name, QWidget* parent);
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 };
 
