@@ -1,5 +1,6 @@
 """What stands in the root: an ordinary user, the bus and polkit, the installed server and the installed client."""
 import shlex
+import shutil
 import stat
 from pathlib import Path
 
@@ -30,6 +31,14 @@ class InstalledCompany(Company):
         super().__init__(processes, program, root / "var/lib", None, port=PORT, preexec_fn=end_with_parent)
         self._data = root / "var/lib/halvane-server"
         self._access_log = self._data / "access.log"
+        self._update_key = kept / "update-key.pem"
+        self._own = lambda file: root.run("chown", SERVICE_ID, "/" + str(file.relative_to(root.place)))
+
+    def sign_updates_with(self, key):
+        """The private half, PEM, of the key that the clients were built with."""
+        shutil.copyfile(key, self._update_key)
+        self._update_key.chmod(0o600)
+        self._own(self._update_key)
 
 
 class InstalledClient(Client):

@@ -26,10 +26,11 @@ from installation import CLIENT, EMPLOYEE, ENTRY, PORT, InstalledClient, Install
 from processes import Failed, Processes, descendants, end_after, expect, output_of, wait_for
 from purge_steps import CONNECTIONS, PurgeSteps
 from stage import take
+from update_steps import UpdateSteps
 
 VERSIONS = ("1.0.0", "1.0.1")
 SERVER = f"http://127.0.0.1:{PORT}"
-LONGEST = 240  # inside
+LONGEST = 400  # inside
 SERIAL, UUID = "HV-PACKAGE-17", "4c4c4544-0042-3510-8052-b4c04f4d3132"
 ROOM = Path("/run/halvane-package")
 
@@ -61,7 +62,7 @@ class PackageTest:
 
     def updates(self):
         """From the older packages to the newer, through the company's feed, before anything is removed."""
-        return []
+        return UpdateSteps(self._root, self._desktop, self._packages, lambda: (self._company, self._client), self.photograph).steps()
 
     def photograph(self, name, window=None):
         self._taken += 1
@@ -101,6 +102,7 @@ class PackageTest:
         return "; ".join(said)
 
     def server_serves(self):
+        self._company.sign_updates_with(self._key)
         self._company.start()
         expect(self._company.url == SERVER, f"the server is {SERVER}, not {self._company.url}")
         return f"seeded, {self._company.url}"
