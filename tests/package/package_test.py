@@ -33,6 +33,8 @@ SERVER = f"http://127.0.0.1:{PORT}"
 LONGEST = 400  # inside
 SERIAL, UUID = "HV-PACKAGE-17", "4c4c4544-0042-3510-8052-b4c04f4d3132"
 ROOM = Path("/run/halvane-package")
+SHEET = ("panel-current", "panel-newer", "update-none", "update-offer", "update-downloading", "update-ready", "update-installing", "update-installed",
+         "update-refused", "update-no-space", "update-interrupted", "update-not-allowed")
 
 
 class PackageTest:
@@ -67,6 +69,11 @@ class PackageTest:
     def photograph(self, name, window=None):
         self._taken += 1
         self._desktop.photograph(self._pictures / f"{self._taken:02}-{name}.png", window)
+
+    def sheet(self, file):
+        """What a person sees of an update, on one picture."""
+        chosen = [path for name in SHEET for path in self._pictures.glob(f"??-{name}.png")]
+        self._desktop.do("montage", *chosen, "-background", "#D9DCE0", "-gravity", "north", "-tile", "4x", "-geometry", "+16+16", file)
 
     def installed(self):
         older = self._packages[0]
@@ -208,6 +215,8 @@ def perform(options, prepared):
     try:
         test = PackageTest(processes, packages, Path(prepared["key"]), options)
         good = take(test.steps(), test.photograph)
+        if good and options.sheet:
+            test.sheet(options.sheet)
     except (Failed, OSError, subprocess.SubprocessError) as problem:
         print(f"✗ {problem}")
     finally:
@@ -224,7 +233,9 @@ def main():
     parser.add_argument("--source", type=Path, required=True, help="the tree that the packages are made of")
     parser.add_argument("--folder", type=Path, required=True, help="directory for builds and the Debian base, kept from run to run")
     parser.add_argument("--pictures", type=Path, required=True, help="directory for the pictures, emptied first")
+    parser.add_argument("--sheet", type=Path, help="file for the pictures of the update together")
     options = parser.parse_args()
+    options.sheet = options.sheet and options.sheet.resolve()
     options.source, options.folder, options.pictures = options.source.resolve(), options.folder.resolve(), options.pictures.resolve()
     hand_over = options.folder / "prepared.json"
     if not os.environ.get(inside.MARK):
