@@ -3,8 +3,14 @@
 #include "server/Company.h"
 #include "server/commands/CommandGroups.h"
 
+#include <grp.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <iostream>
+#include <system_error>
 
 namespace halvane::server {
 
@@ -43,12 +49,23 @@ std::optional<std::pair<Command, std::size_t>> commandFor(const std::vector<std:
     return std::nullopt;
 }
 
+/// The administrator may work beside a service that has an account of its own; what is made then belongs to that account. 0, or
+/// an errno.
+int becomeOwnerOf(const std::string& directory) {
+    struct stat status {};
+    if (::geteuid() != 0 || ::stat(directory.c_str(), &status) != 0 || status.st_uid == 0) return 0;
+    const bool done = ::setgroups(0, nullptr) == 0 && ::setgid(status.st_gid) == 0 && ::setuid(status.st_uid) == 0;
+    return done ? 0 : errno;
+}
+
 ExitCode runOn(const Command& command, const Arguments& arguments, Console& console) {
     const auto given = arguments.option("--data") ? arguments.option("--data") : console.dataDirectory;
     if (!given || given->empty()) return failed(console, "--data DIR is missing", ExitCode::Usage);
     if (command.data == Command::Data::MustExist && !std::filesystem::exists(*given)) {
         return failed(console, "there is no company in " + *given + "; `serve`, `seed` and `user add` make one");
     }
+    if (const int problem = becomeOwnerOf(*given); problem != 0)
+        return failed(console, "cannot become the owner of " + *given + ": " + std::generic_category().message(problem));
     try {
         Company company(*given, console.clock);
         return command.run({arguments, company, console});
