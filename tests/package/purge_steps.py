@@ -18,6 +18,7 @@ com.halvane.network=test_dot1x
 com.halvane.profile=com.example.halvane.network
 """
 OTHERS = OURS.partition("[user]")[0] + "[proxy]\ncom.halvane.profile=in another place\n"
+ENABLED = "etc/systemd/system/multi-user.target.wants/halvane-server.service"
 OTHER_CERTIFICATE = "somebody else's"
 
 
@@ -39,6 +40,9 @@ class PurgeSteps:
             file.write_text(text, encoding="utf-8")
             file.chmod(0o600)
         (self._root / "tmp/noise").write_bytes(bytes(range(64)))
+        self._client.certutil("-S", "-n", f"{self._client.name} #2", "-s", "CN=nobody we know", "-x", "-t", "u,u,u", "-z", "/tmp/noise")
+        (self._root / ENABLED).parent.mkdir(parents=True, exist_ok=True)
+        (self._root / ENABLED).symlink_to("/lib/systemd/system/halvane-server.service")
         self._client.certutil("-S", "-n", OTHER_CERTIFICATE, "-s", "CN=somebody else", "-x", "-t", "u,u,u", "-z", "/tmp/noise")
         # Somebody whose directory of identities leads to the administrator's.
         self._root.run("useradd", "--create-home", "--uid", EMPLOYEE_ID + 1, "mallory")
@@ -55,7 +59,7 @@ class PurgeSteps:
         self._root.run("apt-get", "-q", "-y", "remove", "halvane", "halvane-server", seconds=90)
         brought = self._root.files() - self._before
         left = {path for path in brought if not path.startswith(("var/lib/", "root/", CONNECTIONS))}
-        wanted = {f"etc/xdg/autostart/{ENTRY}", "etc/default/halvane-server"}
+        wanted = {f"etc/xdg/autostart/{ENTRY}", "etc/default/halvane-server", ENABLED}
         left = {path for path in left if not (self._root / path).is_dir()}
         expect(left == wanted, f"configuration files are left and nothing else, not {sorted(left)}")
         for kept in ("var/lib/halvane/machine-serial", "var/lib/private/halvane-server/authority.pem"):
@@ -85,7 +89,11 @@ class PurgeSteps:
         listed = self._client.certutil("-L")
         keys = self._client.certutil("-K")
         expect(OTHER_CERTIFICATE in listed and OTHER_CERTIFICATE in keys, f"the other certificate has its key: {listed}{keys}")
-        expect(self._client.name not in listed and keys.count("< ") == 1, f"ours has not: {listed}{keys}")
+        expect(f"{self._client.name} #2" in listed, f"so has the one that only has our name: {listed}")
+        left = [path for room in (self._client.home, self._root / "run/user", self._root / "tmp") for path in room.rglob("*")
+                if path.suffix in (".pfx", ".p12", ".mobileconfig")]
+        expect(not left, f"nor is anything left of what was downloaded: {left}")
+        expect(listed.count(self._client.name) == 1 and keys.count("< ") == 2, f"ours has not: {listed}{keys}")
         kept = {file.name for file in (self._root / CONNECTIONS).iterdir()}
         expect(kept == {"others.nmconnection"}, f"the other connection alone is kept, not {kept}")
         expect(self._others_key.exists(), "nobody's links are followed with the administrator's rights")

@@ -63,7 +63,8 @@ class UpdateSteps:
         return UpdateWindow(self._desktop, self._client)
 
     def _feed(self, *words):
-        return self._root.run("/usr/bin/halvane-server", "feed", *words, "--data", "/var/lib/halvane-server", user=SERVICE_ID)
+        """As the administrator does."""
+        return self._root.run("/usr/bin/halvane-server", "feed", *words, "--data", "/var/lib/halvane-server")
 
     def _publish(self, package, *more):
         self._feed("add", self._root.bring(package), *more)
