@@ -16,7 +16,7 @@ constexpr const char* kSubject = "state of this computer";
 Notice lockedNotice() {
     return {.subject = kSubject,
             .summary = "这台电脑已被锁定",
-            .body = "公司证书已从这台电脑删除，公司网络不再可用。请联系 IT 服务台。",
+            .body = "公司证书将从这台电脑删除，公司网络不再可用。请联系 IT 服务台。",
             .urgency = platform::DesktopNotifications::Urgency::Critical};
 }
 

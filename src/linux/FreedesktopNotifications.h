@@ -17,7 +17,7 @@ namespace halvane::linux {
 /// that is under way goes on. `log` outlives what waits in the queue.
 class FreedesktopNotifications final : public platform::DesktopNotifications {
 public:
-    static constexpr std::chrono::milliseconds kDeadline{5000};
+    static constexpr std::chrono::milliseconds kDeadline{2000};
 
     /// `queue` is serial.
     FreedesktopNotifications(std::shared_ptr<platform::DispatchQueue> queue, util::Log& log,

@@ -152,10 +152,10 @@ void UpdateWindow::dismiss() {
     orderOut();
 }
 
-/// The first sign-in of the day brings the main window just after the offer. Desktops lift what becomes active, so that this is
-/// waited for.
+/// The first sign-in of the day brings the main window just after the offer. A panel is what a person asked for, and may cover it. Desktops
+/// lift what becomes active, so that this is waited for.
 bool UpdateWindow::eventFilter(QObject* object, QEvent* event) {
-    if (object != this && dynamic_cast<ui::HDCLBaseWindow*>(object) != nullptr) {
+    if (dynamic_cast<ui::HDCLBaseWindow*>(object) != nullptr && dynamic_cast<ui::PanelWindow*>(object) == nullptr) {
         if (event->type() == QEvent::Show && !event->spontaneous()) newcomer_ = object;
         if (event->type() == QEvent::WindowActivate && newcomer_ == object) {
             newcomer_.clear();

@@ -21,7 +21,7 @@ namespace halvane::update {
 
 /// The window of an update: what happens, what can be done about it, and what is new. Of one size, with a place of its own for each
 /// button; for the time of a double click after a new heading neither takes a press that was meant for the scene before. Screen
-/// readers are told of each new heading. While it is on the screen, no window of ours that comes later covers it. Main thread.
+/// readers are told of each new heading. While it is on the screen, no main window that comes later covers it. Main thread.
 class UpdateWindow final : public ui::PanelWindow, public UpdateScreen {
 public:
     UpdateWindow();
