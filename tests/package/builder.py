@@ -7,6 +7,8 @@ from pathlib import Path
 
 FLAGS = ("-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -g1", "-DCMAKE_INSTALL_PREFIX=/usr", "-DHALVANE_TESTS=OFF",
          "-DHALVANE_BENCH=OFF", "-DCPACK_DEBIAN_COMPRESSION_TYPE=gzip")
+# The compiler cache tells languages apart, and tests have another than builds.
+ENVIRONMENT = {name: value for name, value in os.environ.items() if name != "LC_ALL"}
 
 
 @dataclass(frozen=True)
@@ -47,7 +49,7 @@ class Builder:
     def _run(self, *command):
         with open(self._log, "ab") as log:
             done = subprocess.run([str(part) for part in command], stdin=subprocess.DEVNULL, stdout=log, stderr=log, check=False,
-                                  timeout=1500, env=os.environ)
+                                  timeout=1500, env=ENVIRONMENT)
         if done.returncode != 0:
             tail = self._log.read_text(encoding="utf-8", errors="replace").splitlines()[-30:]
             raise OSError("\n".join([f"{command[0]} ended with {done.returncode}:", *tail]))
