@@ -26,16 +26,6 @@ util::Error writeError(int code, const std::filesystem::path& file) {
                        util::fileError(code, "copy the package to " + file.string()).description);
 }
 
-/// 0, or an errno.
-int writeAll(int file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const auto written = ::write(file, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR) return errno;
-        if (written > 0) bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return 0;
-}
-
 }  // namespace
 
 PackageCopy::PackageCopy(std::filesystem::path directory) : path_(std::move(directory)) {
@@ -60,7 +50,7 @@ util::Result<util::Bytes> PackageCopy::take(int package) {
         if (got == 0) break;
         const std::string_view piece(buffer.data(), static_cast<std::size_t>(got));
         if (bytes.size() + piece.size() > kLargest) return updateError(UpdateError::OtherPackage, "the package is too large");
-        if (const int code = writeAll(file_.get(), piece); code != 0) return writeError(code, path_);
+        if (const int code = file_.writeAll(piece); code != 0) return writeError(code, path_);
         bytes.append(piece);
     }
     if (::fsync(file_.get()) != 0) return writeError(errno, path_);

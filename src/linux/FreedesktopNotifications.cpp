@@ -4,6 +4,7 @@
 #include "util/Error.h"
 #include "util/Result.h"
 #include "util/SessionBus.h"
+#include "util/Text.h"
 
 #include <cstdint>
 #include <map>
@@ -37,23 +38,7 @@ guint8 levelOf(Urgency urgency) {
 /// Without markup a service shows the text as it is, with it a bare "<" would begin a tag.
 std::string bodyFor(bool markup, const std::string& text) {
     if (!markup) return text;
-    std::string escaped;
-    for (const char each : text) {
-        switch (each) {
-            case '&':
-                escaped += "&amp;";
-                break;
-            case '<':
-                escaped += "&lt;";
-                break;
-            case '>':
-                escaped += "&gt;";
-                break;
-            default:
-                escaped += each;
-        }
-    }
-    return escaped;
+    return util::replaced(util::replaced(util::replaced(text, "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
 }
 
 }  // namespace

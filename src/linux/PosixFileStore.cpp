@@ -22,18 +22,9 @@ util::Error failure(int code, const char* verb, const std::filesystem::path& pat
     return util::fileError(code, std::string(verb) + " " + path.string());
 }
 
-int writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const auto written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR) return errno;
-        if (written > 0) bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return 0;
-}
-
 /// 0, or the errno of what failed. `temporary` is left for the caller to remove.
 int fill(const Descriptor& file, std::string_view bytes, const std::string& temporary, const std::filesystem::path& path) {
-    if (const int code = writeAll(file.get(), bytes); code != 0) return code;
+    if (const int code = file.writeAll(bytes); code != 0) return code;
     if (::fsync(file.get()) != 0) return errno;
     return std::rename(temporary.c_str(), path.c_str()) == 0 ? 0 : errno;
 }

@@ -6,6 +6,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace halvane::update {
 
@@ -21,70 +23,31 @@ std::string sizeOf(std::uint64_t bytes) { return util::SizeText::formatSize(stat
 /// What is new stays before the person's eyes from the offer to the restart.
 std::string notesOf(const UpdateItem& item) { return item.notes.empty() ? "此版本没有更新说明。" : item.notes; }
 
-std::string reasonForFeed(UpdateError code) {
-    switch (code) {
-        case UpdateError::FeedUnreachable:
-            return "无法连接更新服务器，请检查网络后重试。";
-        case UpdateError::FeedUnreadable:
-            return "更新服务器返回的内容无法识别，请联系 IT 服务台。";
-        case UpdateError::FeedSignature:
-            return "更新信息的签名无效，已拒绝。请联系 IT 服务台。";
-        case UpdateError::FeedExpired:
-            return "更新信息已过期，已拒绝。请检查这台电脑的日期和时间，或联系 IT 服务台。";
-        case UpdateError::FeedOlder:
-            return "更新信息比之前收到的更旧，已拒绝。请联系 IT 服务台。";
-        case UpdateError::OtherScheme:
-            return "更新服务器转向了另一种协议的地址，已拒绝。请联系 IT 服务台。";
-        default:
-            return {};
-    }
-}
-
-std::string reasonForPackage(UpdateError code) {
-    switch (code) {
-        case UpdateError::PackageUnreachable:
-            return "更新下载失败，请检查网络后重试。";
-        case UpdateError::PackageLonger:
-            return "下载的更新比预期的长，已拒绝。请联系 IT 服务台。";
-        case UpdateError::PackageShorter:
-            return "下载的更新不完整，已拒绝。请重试。";
-        case UpdateError::CannotSave:
-            return "无法保存下载的更新，请检查磁盘空间后重试。";
-        case UpdateError::PackageSignature:
-            return "更新的签名无效，已拒绝，没有安装任何内容。请联系 IT 服务台。";
-        case UpdateError::OtherPackage:
-            return "下载的文件不是 Halvane 的安装包，已拒绝。请联系 IT 服务台。";
-        case UpdateError::OtherArchitecture:
-            return "更新不适用于这台电脑的处理器架构，已拒绝。";
-        case UpdateError::NotHigher:
-            return "更新的版本不高于已安装的版本，已拒绝。重新启动 Halvane 即可使用已安装的版本。";
-        default:
-            return {};
-    }
-}
-
-std::string reasonForInstallation(UpdateError code) {
-    switch (code) {
-        case UpdateError::NoSpace:
-            return "系统磁盘空间不足，没有安装任何内容。请清理后重试。";
-        case UpdateError::CannotCopy:
-            return "无法保存安装包，没有安装任何内容。请联系 IT 服务台。";
-        case UpdateError::Busy:
-            return "系统正在安装其他软件，请稍后重试。";
-        case UpdateError::InstallationFailed:
-            return "系统未能安装更新，请联系 IT 服务台。";
-        case UpdateError::Interrupted:
-            return "安装被中断。Halvane 可以继续使用，请重试。";
-        case UpdateError::Dismissed:
-            return "没有获得管理员授权，没有安装任何内容。";
-        case UpdateError::NotAllowed:
-            return "没有获得管理员授权：系统不允许，或无法显示授权窗口。请联系 IT 服务台。";
-        case UpdateError::NoAuthority:
-            return "这台电脑上没有可用的管理员授权服务，请联系 IT 服务台。";
-        default:
-            return {};
-    }
-}
+/// What each refusal says.
+constexpr std::pair<UpdateError, const char*> kReasons[] = {
+    {UpdateError::FeedUnreachable, "无法连接更新服务器，请检查网络后重试。"},
+    {UpdateError::FeedUnreadable, "更新服务器返回的内容无法识别，请联系 IT 服务台。"},
+    {UpdateError::FeedSignature, "更新信息的签名无效，已拒绝。请联系 IT 服务台。"},
+    {UpdateError::FeedExpired, "更新信息已过期，已拒绝。请检查这台电脑的日期和时间，或联系 IT 服务台。"},
+    {UpdateError::FeedOlder, "更新信息比之前收到的更旧，已拒绝。请联系 IT 服务台。"},
+    {UpdateError::OtherScheme, "更新服务器转向了另一种协议的地址，已拒绝。请联系 IT 服务台。"},
+    {UpdateError::PackageUnreachable, "更新下载失败，请检查网络后重试。"},
+    {UpdateError::PackageLonger, "下载的更新比预期的长，已拒绝。请联系 IT 服务台。"},
+    {UpdateError::PackageShorter, "下载的更新不完整，已拒绝。请重试。"},
+    {UpdateError::CannotSave, "无法保存下载的更新，请检查磁盘空间后重试。"},
+    {UpdateError::PackageSignature, "更新的签名无效，已拒绝，没有安装任何内容。请联系 IT 服务台。"},
+    {UpdateError::OtherPackage, "下载的文件不是 Halvane 的安装包，已拒绝。请联系 IT 服务台。"},
+    {UpdateError::OtherArchitecture, "更新不适用于这台电脑的处理器架构，已拒绝。"},
+    {UpdateError::NotHigher, "更新的版本不高于已安装的版本，已拒绝。重新启动 Halvane 即可使用已安装的版本。"},
+    {UpdateError::NoSpace, "系统磁盘空间不足，没有安装任何内容。请清理后重试。"},
+    {UpdateError::CannotCopy, "无法保存安装包，没有安装任何内容。请联系 IT 服务台。"},
+    {UpdateError::Busy, "系统正在安装其他软件，请稍后重试。"},
+    {UpdateError::InstallationFailed, "系统未能安装更新，请联系 IT 服务台。"},
+    {UpdateError::Interrupted, "安装被中断。Halvane 可以继续使用，请重试。"},
+    {UpdateError::Dismissed, "没有获得管理员授权，没有安装任何内容。"},
+    {UpdateError::NotAllowed, "没有获得管理员授权：系统不允许，或无法显示授权窗口。请联系 IT 服务台。"},
+    {UpdateError::NoAuthority, "这台电脑上没有可用的管理员授权服务，请联系 IT 服务台。"},
+};
 
 }  // namespace
 
@@ -162,10 +125,8 @@ bool UpdateTexts::isInstalledAlready(const util::Error& error) {
 }
 
 std::string UpdateTexts::reason(const util::Error& error) {
-    const auto code = static_cast<UpdateError>(error.code);
-    if (error.domain == util::kUpdateErrorDomain)
-        for (const auto& text : {reasonForFeed(code), reasonForPackage(code), reasonForInstallation(code)})
-            if (!text.empty()) return text;
+    const auto* found = std::ranges::find(kReasons, static_cast<UpdateError>(error.code), &std::pair<UpdateError, const char*>::first);
+    if (error.domain == util::kUpdateErrorDomain && found != std::end(kReasons)) return found->second;
     return "更新没有完成，请联系 IT 服务台。";
 }
 
