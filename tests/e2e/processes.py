@@ -83,7 +83,9 @@ class Processes:
 
 
 class ChildWatch:
-    """Looks again and again at which children a process has, and keeps every program and argument list it saw."""
+    """Looks again and again at which children a process has, and keeps every program and argument list it saw.
+
+    What lives for less than some tens of milliseconds may be missed."""
 
     def __init__(self, pid):
         self.seen = set()  # (path of the program, its arguments as one text)

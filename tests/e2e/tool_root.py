@@ -1,9 +1,9 @@
-"""A tool root of the journey's own: the real tools, two of which note what they are asked to do."""
+"""A tool root of the journey's own: the real tools; those that are given secrets or are looked for note what they are asked to do."""
 import shlex
 import time
 from pathlib import Path
 
-SECURITY, NETWORKSETUP = "usr/bin/security", "usr/sbin/networksetup"
+NOTED = ("usr/bin/security", "usr/bin/profiles", "usr/sbin/networksetup")
 
 
 class ToolRoot:
@@ -15,7 +15,7 @@ class ToolRoot:
                 own = self.path / tool.relative_to(real)
                 own.parent.mkdir(parents=True, exist_ok=True)
                 own.symlink_to(tool)
-        for tool in (SECURITY, NETWORKSETUP):
+        for tool in NOTED:
             (self.path / tool).unlink()
             self._write(tool, f"exec {shlex.quote(str(Path(real, tool)))} \"$@\"\n")
 
